@@ -1,0 +1,50 @@
+// MemoryManager: the one private heap of the program, and memAlloc/memFree in front of it.
+#include "base/memory_manager.h"
+
+#include "base/debug_system.h"
+#include "platform/host_heap.h"
+
+MemoryManager* gMEM = nullptr;
+std::uint32_t gAllocTag = 0;
+
+void* MemoryManager::Alloc(std::uint32_t size, std::uint32_t, std::uint32_t, std::uint32_t) {
+  SpinLockGuard guard(lock);
+  if (size == 0) return nullptr;
+  std::uint64_t even = (static_cast<std::uint64_t>(size) + 1) & ~std::uint64_t{1};
+  return hostHeapAlloc(heap, even);
+}
+
+void MemoryManager::Free(void* block) {
+  SpinLockGuard guard(lock);
+  hostHeapFree(heap, block);
+}
+
+void MemoryManager::ReservedA(std::uint32_t) {}
+
+// Blocks are separate host allocations, so there is nothing to coalesce.
+void MemoryManager::Compact() { SpinLockGuard guard(lock); }
+
+void MemoryManager::ReservedB(std::uint32_t) {}
+
+void MemoryManager::Init() {
+  lock.Reset();
+  SpinLockGuard guard(lock);
+  for (MemoryRecord& record : records) record = MemoryRecord{};
+  recordCount = 0;
+  heap = hostHeapCreate();
+  for (std::uint32_t& word : reservedWords) word = 0;
+  dbgTrace("Memory Manager initialized...");
+}
+
+void MemoryManager::Shutdown() {
+  SpinLockGuard guard(lock);
+  dbgTrace("Memory Manager deinitialized...");
+  hostHeapDestroy(heap);
+  heap = nullptr;
+}
+
+void* memAlloc(std::uint32_t size) { return gMEM->Alloc(size, 0, 0, gAllocTag); }
+
+void memFree(void* block) {
+  if (gMEM) gMEM->Free(block);
+}

@@ -1,0 +1,65 @@
+// MemoryManager: the one private heap of the program, and memAlloc/memFree in front of it.
+#pragma once
+#include <cstdint>
+
+#include "base/spin_lock.h"
+
+struct HostHeap;
+
+// The MEM service table. Libraries call through it, so the order is fixed and the two reserved
+// operations keep their places.
+class MemoryInterface {
+ public:
+  // Returns a block of at least `size` bytes, not cleared; null for a size of 0 or no memory.
+  // The three further words are accepted and ignored.
+  virtual void* Alloc(std::uint32_t size, std::uint32_t a, std::uint32_t b, std::uint32_t tag) = 0;
+  // Gives a block back; null is ignored.
+  virtual void Free(void* block) = 0;
+  virtual void ReservedA(std::uint32_t word) = 0;
+  virtual void Compact() = 0;
+  virtual void ReservedB(std::uint32_t word) = 0;
+
+ protected:
+  ~MemoryInterface() = default;
+};
+
+struct MemoryRecord {
+  std::uint32_t words[3] = {0, 0, 0};
+};
+
+class MemoryManager : public MemoryInterface {
+ public:
+  static constexpr int kRecordSlots = 65535;
+
+  MemoryManager() = default;
+  MemoryManager(const MemoryManager&) = delete;
+  MemoryManager& operator=(const MemoryManager&) = delete;
+
+  void* Alloc(std::uint32_t size, std::uint32_t a, std::uint32_t b, std::uint32_t tag) override;
+  void Free(void* block) override;
+  void ReservedA(std::uint32_t word) override;
+  void Compact() override;
+  void ReservedB(std::uint32_t word) override;
+
+  // Creates the heap. Bring-up only.
+  void Init();
+  // Destroys the heap with every block still on it. Shutdown only.
+  void Shutdown();
+
+  HostHeap* heap = nullptr;
+  std::uint32_t recordCount = 0;
+  // Inert for the whole run: nothing reads or writes them, but libraries see the object's size.
+  MemoryRecord records[kRecordSlots];
+  SpinLock lock{0, 5};
+  std::uint32_t reservedWords[3] = {0, 0, 0};
+};
+
+// Null before bring-up has created the heap and after shutdown has destroyed it.
+extern MemoryManager* gMEM;
+// Passed along with every allocation; nothing assigns it.
+extern std::uint32_t gAllocTag;
+
+// Alloc on gMEM with the size, 0, 0 and gAllocTag. gMEM must be set.
+void* memAlloc(std::uint32_t size);
+// Free on gMEM; does nothing while gMEM is null, so clean-ups at process exit are safe.
+void memFree(void* block);

@@ -1,0 +1,14 @@
+// Bring-up and shutdown of the kernel's services, and the program's global service pointers.
+#pragma once
+
+// Brings the services up in order and binds the global pointers. 1 when the services are up,
+// 0 when the InterfaceManager gave no address (the debug log and the heap are then left up).
+int CoreStartup();
+// The exact mirror of CoreStartup: unbinds, unregisters and shuts every service down, and
+// destroys the heap with whatever still lies on it.
+void CoreShutdown();
+
+// Fetches the program's own pointers to services from the registry (the last step of bring-up).
+void BindCoreInterfaces();
+// Lets them go again (the first step of shutdown), before any service is unregistered.
+void UnbindCoreInterfaces();

@@ -1,0 +1,22 @@
+// Atomic 32-bit words and a millisecond sleep, for spin locks and reference counts.
+#include "platform/host_sync.h"
+
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+std::int32_t hostAtomicExchange(std::int32_t* word, std::int32_t value) {
+  return std::atomic_ref<std::int32_t>(*word).exchange(value);
+}
+
+std::int32_t hostAtomicIncrement(std::int32_t* word) {
+  return std::atomic_ref<std::int32_t>(*word).fetch_add(1) + 1;
+}
+
+std::int32_t hostAtomicDecrement(std::int32_t* word) {
+  return std::atomic_ref<std::int32_t>(*word).fetch_sub(1) - 1;
+}
+
+void hostSleepMs(std::uint32_t milliseconds) {
+  std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}

@@ -1,0 +1,115 @@
+// Number text that never depends on the process locale, on std::from_chars and std::to_chars.
+#include "platform/number_text.h"
+
+#include <charconv>
+#include <cmath>
+#include <system_error>
+
+namespace {
+
+bool isSpace(char c) {
+  return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
+}
+
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+// Skips the leading white space and one sign; the sign is reported in *negative.
+const char* skipSpaceAndSign(const char* p, bool* negative) {
+  while (isSpace(*p)) ++p;
+  *negative = *p == '-';
+  if (*p == '+' || *p == '-') ++p;
+  return p;
+}
+
+// Exponent digits beyond this no longer change the outcome (the value is 0 or infinite anyway);
+// the cap keeps the arithmetic far from overflow however long the digit run is.
+constexpr std::int64_t kExponentCap = 1000000000000;
+
+std::size_t finish(char* out, std::to_chars_result result) {
+  if (result.ec != std::errc()) {
+    out[0] = 0;
+    return 0;
+  }
+  *result.ptr = 0;
+  return static_cast<std::size_t>(result.ptr - out);
+}
+
+}  // namespace
+
+double numParseDouble(const char* text) {
+  if (text == nullptr) return 0.0;
+  bool negative = false;
+  const char* begin = skipSpaceAndSign(text, &negative);
+
+  // Find the end of the classic decimal form ourselves: from_chars would also take "inf",
+  // "nan" and a leading '-' after our sign. Along the way note the power of ten of the first
+  // non-zero digit, which tells overflow from underflow when from_chars reports neither value.
+  const char* p = begin;
+  std::int64_t leadPower = 0;
+  bool seenNonZero = false;
+  bool seenDigit = false;
+  while (isDigit(*p)) {
+    if (seenNonZero) {
+      ++leadPower;
+    } else if (*p != '0') {
+      seenNonZero = true;
+    }
+    seenDigit = true;
+    ++p;
+  }
+  if (*p == '.') {
+    ++p;
+    while (isDigit(*p)) {
+      if (!seenNonZero) {
+        --leadPower;
+        seenNonZero = *p != '0';
+      }
+      seenDigit = true;
+      ++p;
+    }
+  }
+  if (!seenDigit) return 0.0;
+
+  const char* end = p;
+  if (*p == 'e' || *p == 'E') {
+    const char* q = p + 1;
+    bool exponentNegative = *q == '-';
+    if (*q == '+' || *q == '-') ++q;
+    if (isDigit(*q)) {
+      std::int64_t exponent = 0;
+      for (; isDigit(*q); ++q) {
+        if (exponent < kExponentCap) exponent = exponent * 10 + (*q - '0');
+      }
+      leadPower += exponentNegative ? -exponent : exponent;
+      end = q;
+    }
+  }
+
+  double value = 0.0;
+  std::from_chars_result result = std::from_chars(begin, end, value, std::chars_format::general);
+  // Out of range leaves value untouched. Denormals come back rounded with no error, so the
+  // error means the value rounded to infinity or to zero.
+  if (result.ec == std::errc::result_out_of_range) value = leadPower > 0 ? HUGE_VAL : 0.0;
+  return negative ? -value : value;
+}
+
+std::int32_t numParseInt(const char* text) {
+  if (text == nullptr) return 0;
+  bool negative = false;
+  const char* p = skipSpaceAndSign(text, &negative);
+  std::uint32_t value = 0;
+  for (; isDigit(*p); ++p) value = value * 10u + static_cast<std::uint32_t>(*p - '0');
+  if (negative) value = 0u - value;
+  return static_cast<std::int32_t>(value);
+}
+
+std::size_t numFormatFixed(char* out, std::size_t size, double value, int decimals) {
+  if (out == nullptr || size == 0) return 0;
+  if (decimals < 0) decimals = 6;
+  return finish(out, std::to_chars(out, out + size - 1, value, std::chars_format::fixed, decimals));
+}
+
+std::size_t numFormatInt(char* out, std::size_t size, std::int32_t value) {
+  if (out == nullptr || size == 0) return 0;
+  return finish(out, std::to_chars(out, out + size - 1, value));
+}
