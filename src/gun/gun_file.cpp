@@ -1,0 +1,191 @@
+// The two gun files: the INI text file the user opens and saves, and its binary .dat sibling.
+#include "gun/gun_file.h"
+
+#include <bit>
+#include <cstddef>
+#include <cstring>
+
+#include "base/memory_manager.h"
+#include "base/path_util.h"
+#include "config/ini_file.h"
+#include "files/file_manager.h"
+#include "gun/gun_commands.h"
+#include "gun/gun_data.h"
+#include "gun/gun_list.h"
+#include "platform/number_text.h"
+
+// Records go to the .dat file in their memory form, which must be the file's little-endian form.
+static_assert(std::endian::native == std::endian::little);
+
+namespace {
+
+constexpr const char* kSectionFormat = "GunData%03d";
+constexpr int kSectionNameSize = 32;
+constexpr int kPathSize = 260;
+constexpr int kColorTextSize = 1024;  // three "%f" texts of any float, with their commas
+
+enum class KeyKind { kText, kFloat, kBool, kColor };
+
+struct GunKey {
+  const char* name;
+  KeyKind kind;
+  std::size_t offset;
+  int size;  // text fields only
+};
+
+// The 22 keys in file order; Reliability comes before Accuracy here, after it in the record.
+const GunKey kGunKeys[] = {
+    {"TypeName", KeyKind::kText, offsetof(GunData, TypeName), 64},
+    {"FullName", KeyKind::kText, offsetof(GunData, FullName), 128},
+    {"Caliber", KeyKind::kFloat, offsetof(GunData, Caliber), 0},
+    {"ROF", KeyKind::kFloat, offsetof(GunData, ROF), 0},
+    {"MuzzleVel", KeyKind::kFloat, offsetof(GunData, MuzzleVel), 0},
+    {"AmmoWt", KeyKind::kFloat, offsetof(GunData, AmmoWt), 0},
+    {"WarheadWt", KeyKind::kFloat, offsetof(GunData, WarheadWt), 0},
+    {"Reliability", KeyKind::kFloat, offsetof(GunData, Reliability), 0},
+    {"Accuracy", KeyKind::kFloat, offsetof(GunData, Accuracy), 0},
+    {"AddLight", KeyKind::kBool, offsetof(GunData, AddLight), 0},
+    {"MaxLightRange", KeyKind::kFloat, offsetof(GunData, MaxLightRange), 0},
+    {"FireColor", KeyKind::kColor, offsetof(GunData, FireColor), 0},
+    {"GunFireEffect", KeyKind::kText, offsetof(GunData, GunFireEffect), 64},
+    {"GunFireSound", KeyKind::kText, offsetof(GunData, GunFireSound), 64},
+    {"EffectClassName", KeyKind::kText, offsetof(GunData, EffectClassName), 64},
+    {"EffectTime", KeyKind::kFloat, offsetof(GunData, EffectTime), 0},
+    {"TracerTexture", KeyKind::kText, offsetof(GunData, TracerTexture), 64},
+    {"TracerSize", KeyKind::kFloat, offsetof(GunData, TracerSize), 0},
+    {"TracerDistFactor", KeyKind::kFloat, offsetof(GunData, TracerDistFactor), 0},
+    {"TracerLength", KeyKind::kFloat, offsetof(GunData, TracerLength), 0},
+    {"MaxVisibleDist", KeyKind::kFloat, offsetof(GunData, MaxVisibleDist), 0},
+    {"MaxStreakVisibleDist", KeyKind::kFloat, offsetof(GunData, MaxStreakVisibleDist), 0},
+};
+
+// "GunData%03d": the number with at least three digits.
+void sectionName(char* out, int number) {
+  char digits[16];
+  std::size_t length = numFormatInt(digits, sizeof digits, number);
+  std::strcpy(out, "GunData");
+  for (std::size_t pad = length; pad < 3; pad++) std::strcat(out, "0");
+  std::strcat(out, digits);
+}
+
+// "%f,%f,%f" of the three colour components.
+void colorText(char* out, const float* color) {
+  std::size_t used = 0;
+  for (int i = 0; i < 3; i++) {
+    if (i > 0) out[used++] = ',';
+    used += numFormatFixed(out + used, kColorTextSize - used, static_cast<double>(color[i]), 6);
+  }
+  out[used] = '\0';
+}
+
+void readKey(IniFile* ini, const char* section, const GunKey& key, GunData* record) {
+  char* field = reinterpret_cast<char*>(record) + key.offset;
+  switch (key.kind) {
+    case KeyKind::kText:
+      ini->IniGetString(section, key.name, "", field, key.size, 0);
+      break;
+    case KeyKind::kFloat: {
+      float value = ini->IniGetFloat(section, key.name, 0.0f);
+      std::memcpy(field, &value, sizeof value);
+      break;
+    }
+    case KeyKind::kBool:
+      record->AddLight = static_cast<std::int16_t>(ini->IniGetBool(section, key.name, 0));
+      break;
+    case KeyKind::kColor:
+      IniGetColor(record->FireColor, ini, section, key.name);
+      break;
+  }
+}
+
+void writeKey(IniFile* ini, const char* section, const GunKey& key, const GunData* record) {
+  const char* field = reinterpret_cast<const char*>(record) + key.offset;
+  switch (key.kind) {
+    case KeyKind::kText:
+      ini->IniSetString(section, key.name, field);
+      break;
+    case KeyKind::kFloat: {
+      float value;
+      std::memcpy(&value, field, sizeof value);
+      ini->IniSetFloat(section, key.name, value);
+      break;
+    }
+    case KeyKind::kBool:
+      ini->IniSetBool(section, key.name, record->AddLight);
+      break;
+    case KeyKind::kColor: {
+      char text[kColorTextSize];
+      colorText(text, record->FireColor);
+      ini->IniSetString(section, key.name, text);
+      break;
+    }
+  }
+}
+
+// One gun of the file in a new zero-filled record with its derived values; null without memory.
+GunData* loadGun(IniFile* ini, int number) {
+  auto* record = static_cast<GunData*>(memAlloc(sizeof(GunData)));
+  if (!record) return nullptr;
+  std::memset(record, 0, sizeof(GunData));
+  char section[kSectionNameSize];
+  sectionName(section, number);
+  for (const GunKey& key : kGunKeys) readKey(ini, section, key, record);
+  GunDataDerive(record);
+  return record;
+}
+
+void saveText(const char* path) {
+  IniFile ini(path, 0, 1);
+  int number = 1;
+  for (GunList.MoveFirst(); GunList.current; GunList.MoveNext()) {
+    char section[kSectionNameSize];
+    sectionName(section, number++);
+    const auto* record = static_cast<const GunData*>(GunList.current->payload);
+    for (const GunKey& key : kGunKeys) writeKey(&ini, section, key, record);
+  }
+  ini.IniWrite(nullptr);
+}
+
+void putLittleEndian32(unsigned char* out, std::int32_t value) {
+  auto bits = static_cast<std::uint32_t>(value);
+  for (int i = 0; i < 4; i++) out[i] = static_cast<unsigned char>(bits >> (8 * i));
+}
+
+}  // namespace
+
+void GunFileLoad(GunListView* view, const char* path) {
+  GunListEmpty(view);
+  IniFile ini(path, 0, 0);
+  std::int32_t count = ini.IniCountSections(kSectionFormat);
+  int row = 0;
+  for (int number = 1; number <= count; number++) {
+    GunData* record = loadGun(&ini, number);
+    if (!record) continue;
+    // A record without a node is dropped together with its row, so both stay in step.
+    if (!GunList.Append(record)) {
+      memFree(record);
+      continue;
+    }
+    AddRow(view, row++, record);
+  }
+  view->SelectRow(0);
+}
+
+int GunFileSave(GunListView* view, const char* path) {
+  char binaryPath[kPathSize];
+  fmgSetFileExtension(path, "dat", binaryPath, sizeof binaryPath);
+  std::int32_t handle = gFMG->CreateFile(binaryPath);
+  if (handle == -1) {
+    winMessageBox(view, "ERROR!", "Unable to create %s for writing!", path);
+    return 0;
+  }
+  unsigned char count[4];
+  putLittleEndian32(count, GunList.count);
+  gFMG->WriteFile(handle, count, sizeof count);
+  for (GunList.MoveFirst(); GunList.current; GunList.MoveNext()) {
+    gFMG->WriteFile(handle, GunList.current->payload, sizeof(GunData));
+  }
+  gFMG->CloseFile(handle);
+  saveText(path);
+  return 1;
+}
