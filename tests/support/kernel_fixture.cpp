@@ -65,6 +65,12 @@ bool TraceCapture::Has(const std::string& line) const {
   return std::find(lines.begin(), lines.end(), line) != lines.end();
 }
 
+std::string systemPath(const std::string& hostPath) {
+  std::string path = hostPath;
+  std::replace(path.begin(), path.end(), '/', '\\');
+  return path;
+}
+
 std::string readWholeFile(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
   return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());

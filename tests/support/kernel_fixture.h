@@ -49,4 +49,6 @@ class TraceCapture {
 };
 
 std::string readWholeFile(const std::string& path);
+// A host path in the system's backslash form.
+std::string systemPath(const std::string& hostPath);
 void writeWholeFile(const std::string& path, const std::string& bytes);
