@@ -36,8 +36,8 @@ class StringPool {
   char* MoveNext();
   // Returns 1 with the cursor on target when a walk from the first string lands exactly on it.
   // Returns 0 with the cursor unchanged for a null target or one that points at an empty
-  // string; returns 0 with the cursor at or past top when the walk misses it (an address inside
-  // a string is never found). Addresses are compared, never text.
+  // string; returns 0 with the cursor at top when the walk misses it (an address inside a
+  // string is never found). Addresses are compared, never text. Takes constant time.
   int MoveTo(const char* target);
   // 1 when there is an arena and the cursor lies below top, else 0.
   int HasMore() const;

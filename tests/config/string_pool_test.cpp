@@ -122,6 +122,14 @@ TEST_F(StringPoolTest, MoveToFindsOnlyStringStarts) {
   EXPECT_STREQ(pool.CurrentString(), "first");
   EXPECT_EQ(pool.MoveTo(second), 1);
   EXPECT_EQ(pool.cursor, second);
+
+  // Cutting a string in place makes a new start; joining two removes one.
+  second[2] = '\0';
+  EXPECT_EQ(pool.MoveTo(second + 3), 1);
+  EXPECT_STREQ(pool.CurrentString(), "ond");
+  second[-1] = '#';
+  EXPECT_EQ(pool.MoveTo(second), 0);
+  EXPECT_EQ(pool.cursor, pool.top);
 }
 
 TEST_F(StringPoolTest, ResetZeroesEverythingEarlierPointersSee) {
