@@ -1,0 +1,8 @@
+// Prints the records of a binary gun file as readable text, every field by name.
+#pragma once
+#include <cstdio>
+
+// Reads the .dat file `path` (system form) through the file manager and prints each record to
+// `out`. Returns 1; or prints why to `err` and returns 0 for a file that can't be read or whose
+// size isn't 4 + 560 x its count.
+int GunDumpFile(const char* path, std::FILE* out, std::FILE* err);
