@@ -113,18 +113,6 @@ TEST_F(DocumentTest, CommandsAfterThePrompt) {
   }
 }
 
-TEST_F(DocumentTest, CleanDocumentIsNeverAskedAbout) {
-  window_.answers.clear();
-  OnNew(&window_);
-  EXPECT_EQ(OnCloseCommand(&window_), 1);
-  OpenFile("a.ini", {"Alpha"});
-  window_.openChoices.push_back(Cancelled());
-  OnOpen(&window_);
-  EXPECT_EQ(OnCloseCommand(&window_), 1);
-  EXPECT_TRUE(window_.questions.empty());
-  EXPECT_EQ(std::string(DocumentTitle), "a.ini");
-}
-
 TEST_F(DocumentTest, OpenTakesTheFileAndItsDirectory) {
   OpenFile("guns/b.ini", {"Alpha", "Beta"});
 
