@@ -84,7 +84,7 @@ class CatalogFile {
   std::int32_t ReadFoundFile(FileHandleRecord* record, void* buffer, std::uint32_t count);
   // Origin 0 from the entry's start, 1 from the current position; any other origin keeps the
   // position. Returns the position in the catalog file (not in the entry); -1, with the
-  // position unchanged, for a target before the entry's start or beyond 32 bits.
+  // position unchanged, for a target before the entry's start or beyond 0x7FFFFFFF.
   std::int32_t SeekFoundFile(FileHandleRecord* record, std::int32_t offset, std::int32_t origin);
 
   // The path as passed to a successful Load; empty otherwise. The key of the FileManager's list.
@@ -104,8 +104,8 @@ class CatalogFile {
   GrowArray extensionList;
 
  private:
-  int LoadFileTable(std::int32_t descriptor);
-  int LoadExtensionTable(std::int32_t descriptor);
+  int LoadFileTable(std::int32_t descriptor, const char* catalogPath);
+  int LoadExtensionTable(std::int32_t descriptor, const char* catalogPath);
   void DeriveSizes();
   int FindExtension(const char* extension);
   int FindName(const char* name);
