@@ -4,12 +4,14 @@
 #include "base/cursor_list.h"
 #include "base/debug_system.h"
 #include "base/memory_manager.h"
+#include "files/file_manager.h"
 #include "services/interface_manager.h"
 
 // Defined in the order of the start-up table, so construction follows it and destruction runs
 // in reverse. None of the constructors uses another service or allocates.
 CursorList GunList;
 namespace {
+FileManager fileManager;
 MemoryManager memoryManager;
 DebugSystem debugSystem;
 InterfaceManager interfaceManager;
@@ -21,9 +23,13 @@ void registerService(const char* name, void* service) { gIM->Register(name, serv
 
 }  // namespace
 
-void BindCoreInterfaces() {}
+void BindCoreInterfaces() {
+  imGet(gIM, "FMG", &gFMG);
+}
 
-void UnbindCoreInterfaces() {}
+void UnbindCoreInterfaces() {
+  imRelease(gIM, "FMG", &gFMG);
+}
 
 int CoreStartup() {
   debugSystem.Init("debug.out");
@@ -44,12 +50,20 @@ int CoreStartup() {
   registerService("MEM", &memoryManager);
   dbgTrace("Memory Manager interface registered...");
 
+  fileManager.Init();
+  registerService("FMG", &fileManager);
+  dbgTrace("FileManager initialized...");
+
   BindCoreInterfaces();
   return 1;
 }
 
 void CoreShutdown() {
   UnbindCoreInterfaces();
+
+  dbgTrace("File Manager deinitialized...");
+  fileManager.Shutdown();
+  gIM->Unregister("FMG");
 
   gIM->Unregister("MEM");
   dbgTrace("Memory Manager interface unregistered...");
