@@ -1,5 +1,4 @@
 // IniFile values: typed reads with defaults, typed changes, numbered sections and the writer.
-#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
