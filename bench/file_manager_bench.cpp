@@ -1,6 +1,5 @@
-// Reads every file of a 64 MB catalog through gFMG, and the same bytes with plain reads of one file.
+// Reads every file of a 64 MB catalog through gFMG, and the same bytes from one plain file.
 #include <benchmark/benchmark.h>
-
 #include <stdlib.h>
 
 #include <cstdint>
@@ -51,7 +50,8 @@ void makeFiles() {
   }
   std::string tables;
   std::uint32_t tablesEnd = 28 + 4 + 4;  // header and the extension table
-  for (const std::string& name : gFixture.names) tablesEnd += 8 + static_cast<std::uint32_t>(name.size()) + 1;
+  for (const std::string& name : gFixture.names)
+    tablesEnd += 8 + static_cast<std::uint32_t>(name.size()) + 1;
   tables.append("CAT\0", 4);
   tables.append(12, '\0');
   put32(tables, kFiles);
@@ -86,7 +86,8 @@ void CatalogThroughFileManager(benchmark::State& state) {
   for (auto _ : state) {
     for (const std::string& name : gFixture.names) {
       std::int32_t handle = gFMG->OpenFile(name.c_str());
-      for (std::int32_t got; (got = gFMG->ReadFile(handle, buffer.data(), chunk)) > 0;) total += got;
+      for (std::int32_t got; (got = gFMG->ReadFile(handle, buffer.data(), chunk)) > 0;)
+        total += got;
       gFMG->CloseFile(handle);
     }
   }
@@ -100,14 +101,19 @@ void PlainReadOfOneFile(benchmark::State& state) {
   std::int64_t total = 0;
   for (auto _ : state) {
     std::int32_t descriptor = hostFileOpenRead(gFixture.plain.c_str(), HostAccess::kSequential);
-    for (std::int32_t got; (got = hostFileRead(descriptor, buffer.data(), chunk)) > 0;) total += got;
+    for (std::int32_t got; (got = hostFileRead(descriptor, buffer.data(), chunk)) > 0;)
+      total += got;
     hostFileClose(descriptor);
   }
   if (total != kTotal * state.iterations()) state.SkipWithError("short read");
   state.SetBytesProcessed(total);
 }
 
-BENCHMARK(CatalogThroughFileManager)->Arg(512)->Arg(4096)->Arg(65536)->Unit(benchmark::kMillisecond);
+BENCHMARK(CatalogThroughFileManager)
+    ->Arg(512)
+    ->Arg(4096)
+    ->Arg(65536)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(PlainReadOfOneFile)->Arg(512)->Arg(4096)->Arg(65536)->Unit(benchmark::kMillisecond);
 
 }  // namespace

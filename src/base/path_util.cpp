@@ -68,8 +68,8 @@ bool unusable(const char* output, int size) { return !output || size < 1; }
 
 }  // namespace
 
-void fmgCheckFilename(const char* directory, const char* name, const char* extension,
-                      char* output, int size) {
+void fmgCheckFilename(const char* directory, const char* name, const char* extension, char* output,
+                      int size) {
   if (refuseEmpty(name, output, "fmgCheckFilename") || unusable(output, size)) return;
   joinPath(directory, name, output, size);
   if (!extension || extensionDot(output)) return;

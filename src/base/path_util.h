@@ -15,8 +15,8 @@
 // adds `extension` (with or without its dot; null adds nothing) unless the result already has
 // an extension dot. A name that holds a backslash is a path of its own: the directory is
 // ignored.
-void fmgCheckFilename(const char* directory, const char* name, const char* extension,
-                      char* output, int size);
+void fmgCheckFilename(const char* directory, const char* name, const char* extension, char* output,
+                      int size);
 // The join of fmgCheckFilename without an extension.
 void fmgCheckFilePath(const char* directory, const char* name, char* output, int size);
 // The path up to its last backslash, without it; ".\" if it holds none.

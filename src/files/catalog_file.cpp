@@ -35,7 +35,8 @@ int readU32(std::int32_t descriptor, std::uint32_t* value) {
 // the field's end, so a field without its NUL, or of length 0, still gives a text.
 // 1 if the whole field was read.
 int readTextField(std::int32_t descriptor, std::int32_t length, char* text) {
-  std::int32_t got = length > 0 ? hostFileRead(descriptor, text, static_cast<std::uint32_t>(length)) : 0;
+  std::int32_t got =
+      length > 0 ? hostFileRead(descriptor, text, static_cast<std::uint32_t>(length)) : 0;
   if (got != length) return 0;
   text[length] = '\0';
   return 1;
@@ -52,12 +53,7 @@ void* CatalogFile::operator new(std::size_t size) noexcept {
 void CatalogFile::operator delete(void* block) noexcept { memFree(block); }
 
 CatalogFile::CatalogFile(const char* catalogPath)
-    : header{},
-      handle(-1),
-      refCount(0),
-      OpenFileCount(0),
-      lastReader(-1),
-      nextHandle(1) {
+    : header{}, handle(-1), refCount(0), OpenFileCount(0), lastReader(-1), nextHandle(1) {
   std::memset(path, 0, sizeof path);
   Load(catalogPath);
 }
@@ -155,7 +151,8 @@ void CatalogFile::DeriveSizes() {
   auto** entries = reinterpret_cast<CatalogFileHeader**>(headerList.data);
   std::int32_t last = headerList.count - 1;
   // Stored files lie end to end in table order; 32-bit arithmetic, as the offsets are.
-  for (std::int32_t i = 0; i < last; i++) entries[i]->size = entries[i + 1]->offset - entries[i]->offset;
+  for (std::int32_t i = 0; i < last; i++)
+    entries[i]->size = entries[i + 1]->offset - entries[i]->offset;
   entries[last]->size = header.dataSize - entries[last]->offset + entries[0]->offset;
 }
 
@@ -202,7 +199,8 @@ void CatalogFile::Unload() {
   }
   lastReader = -1;
   nextHandle = 1;
-  for (extensionList.MoveFirst(); extensionList.current >= 0 && extensionList.current < extensionList.count;
+  for (extensionList.MoveFirst();
+       extensionList.current >= 0 && extensionList.current < extensionList.count;
        extensionList.MoveNext()) {
     memFree(extensionList.data[extensionList.current]);
   }
@@ -236,7 +234,8 @@ int CatalogFile::FindName(const char* name) {
   GrowArray& list = headerList;
   if (list.count < 1 || strIsEmpty(name)) return 0;
   auto matches = [&](std::int32_t at) {
-    return list.data[at] && strEquals(static_cast<CatalogFileHeader*>(list.data[at])->name, name, 0);
+    return list.data[at] &&
+           strEquals(static_cast<CatalogFileHeader*>(list.data[at])->name, name, 0);
   };
   if (list.current >= 0 && list.current < list.count && matches(list.current)) return 1;
   for (list.current = 0; list.current < list.count; list.current++) {
@@ -258,7 +257,8 @@ std::uint32_t CatalogFile::GetFoundFileSize() {
 }
 
 FileHandleRecord* CatalogFile::OpenFoundFile() {
-  if (handle == -1 || headerList.current < 0 || headerList.current >= headerList.count) return nullptr;
+  if (handle == -1 || headerList.current < 0 || headerList.current >= headerList.count)
+    return nullptr;
   auto* entry = static_cast<CatalogFileHeader*>(headerList.data[headerList.current]);
   auto* record = static_cast<FileHandleRecord*>(memAlloc(sizeof(FileHandleRecord)));
   if (!record) return nullptr;
@@ -279,7 +279,8 @@ void CatalogFile::CloseFoundFile(FileHandleRecord* record) {
   if (handle != -1 && record) OpenFileCount--;
 }
 
-std::int32_t CatalogFile::ReadFoundFile(FileHandleRecord* record, void* buffer, std::uint32_t count) {
+std::int32_t CatalogFile::ReadFoundFile(FileHandleRecord* record, void* buffer,
+                                        std::uint32_t count) {
   // All files of the catalog share the descriptor: another reader may have moved it.
   if (lastReader != record->handle) {
     hostFileSeek(handle, record->currentOffset, 0);
@@ -294,7 +295,8 @@ std::int32_t CatalogFile::ReadFoundFile(FileHandleRecord* record, void* buffer, 
   return got;
 }
 
-std::int32_t CatalogFile::SeekFoundFile(FileHandleRecord* record, std::int32_t offset, std::int32_t origin) {
+std::int32_t CatalogFile::SeekFoundFile(FileHandleRecord* record, std::int32_t offset,
+                                        std::int32_t origin) {
   std::int64_t target = record->currentOffset;
   if (origin == 0) target = std::int64_t{record->startOffset} + offset;
   if (origin == 1) target = std::int64_t{record->currentOffset} + offset;

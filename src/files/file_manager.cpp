@@ -60,14 +60,16 @@ void FileManager::SetSearchDirectory(const char* directory) {
 }
 
 int FileManager::FindHandle(std::int32_t handle) {
-  return openFiles.Find(
-      [handle](void* payload) { return static_cast<FileHandleRecord*>(payload)->handle == handle; });
+  return openFiles.Find([handle](void* payload) {
+    return static_cast<FileHandleRecord*>(payload)->handle == handle;
+  });
 }
 
 int FileManager::FindCatalog(const char* path) {
   if (strIsEmpty(path)) return 0;
-  return catalogs.Find(
-      [path](void* payload) { return strEquals(static_cast<CatalogFile*>(payload)->path, path, 0) == 1; });
+  return catalogs.Find([path](void* payload) {
+    return strEquals(static_cast<CatalogFile*>(payload)->path, path, 0) == 1;
+  });
 }
 
 CatalogFile* FileManager::FindInCatalogs(const char* name) {

@@ -92,10 +92,17 @@ std::int32_t hostFileWrite(std::int32_t descriptor, const void* buffer, std::uin
 std::int64_t hostFileSeek(std::int32_t descriptor, std::int64_t offset, std::int32_t origin) {
   int whence;
   switch (origin) {
-    case 0: whence = SEEK_SET; break;
-    case 1: whence = SEEK_CUR; break;
-    case 2: whence = SEEK_END; break;
-    default: return -1;
+    case 0:
+      whence = SEEK_SET;
+      break;
+    case 1:
+      whence = SEEK_CUR;
+      break;
+    case 2:
+      whence = SEEK_END;
+      break;
+    default:
+      return -1;
   }
   off_t position = lseek(descriptor, static_cast<off_t>(offset), whence);
   return position < 0 ? -1 : static_cast<std::int64_t>(position);

@@ -41,9 +41,9 @@ std::int32_t hostChangeDirectory(const char* path);
 // What became of a host path coming into the system.
 enum class HostPathResult {
   kOk,
-  kEmpty,          // null or empty: no path was given
-  kHasBackslash,   // a `\` in a host path would read as a separator inside the system
-  kTooLong,        // 260 bytes or more: no system path buffer holds it
+  kEmpty,         // null or empty: no path was given
+  kHasBackslash,  // a `\` in a host path would read as a separator inside the system
+  kTooLong,       // 260 bytes or more: no system path buffer holds it
 };
 
 // The longest system path plus its terminator.

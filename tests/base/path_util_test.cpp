@@ -11,32 +11,57 @@
 
 namespace {
 
-enum Helper { kCheckFilePath, kCheckFilename, kGetFilePath, kGetFileExtension, kRemoveFilePath, kSetFileExtension };
+enum Helper {
+  kCheckFilePath,
+  kCheckFilename,
+  kGetFilePath,
+  kGetFileExtension,
+  kRemoveFilePath,
+  kSetFileExtension
+};
 
 const char* helperName(Helper helper) {
   switch (helper) {
-    case kCheckFilePath: return "fmgCheckFilePath";
-    case kCheckFilename: return "fmgCheckFilename";
-    case kGetFilePath: return "fmgGetFilePath";
-    case kGetFileExtension: return "fmgGetFileExtension";
-    case kRemoveFilePath: return "fmgRemoveFilePath";
-    case kSetFileExtension: return "fmgSetFileExtension";
+    case kCheckFilePath:
+      return "fmgCheckFilePath";
+    case kCheckFilename:
+      return "fmgCheckFilename";
+    case kGetFilePath:
+      return "fmgGetFilePath";
+    case kGetFileExtension:
+      return "fmgGetFileExtension";
+    case kRemoveFilePath:
+      return "fmgRemoveFilePath";
+    case kSetFileExtension:
+      return "fmgSetFileExtension";
   }
   return "";
 }
 
 // Runs one helper into a 300-byte buffer prefilled with 'x', so a write past `size` shows.
-std::string run(Helper helper, const char* directory, const char* text, const char* extension, int size,
-                std::string* spill = nullptr) {
+std::string run(Helper helper, const char* directory, const char* text, const char* extension,
+                int size, std::string* spill = nullptr) {
   char output[300];
   std::memset(output, 'x', sizeof output);
   switch (helper) {
-    case kCheckFilePath: fmgCheckFilePath(directory, text, output, size); break;
-    case kCheckFilename: fmgCheckFilename(directory, text, extension, output, size); break;
-    case kGetFilePath: fmgGetFilePath(text, output, size); break;
-    case kGetFileExtension: fmgGetFileExtension(text, output, size); break;
-    case kRemoveFilePath: fmgRemoveFilePath(text, output, size); break;
-    case kSetFileExtension: fmgSetFileExtension(text, extension, output, size); break;
+    case kCheckFilePath:
+      fmgCheckFilePath(directory, text, output, size);
+      break;
+    case kCheckFilename:
+      fmgCheckFilename(directory, text, extension, output, size);
+      break;
+    case kGetFilePath:
+      fmgGetFilePath(text, output, size);
+      break;
+    case kGetFileExtension:
+      fmgGetFileExtension(text, output, size);
+      break;
+    case kRemoveFilePath:
+      fmgRemoveFilePath(text, output, size);
+      break;
+    case kSetFileExtension:
+      fmgSetFileExtension(text, extension, output, size);
+      break;
   }
   if (spill) *spill = std::string(output + size, 4);
   return std::string(output, strnlen(output, static_cast<std::size_t>(size)));
@@ -111,8 +136,9 @@ const Case kCases[] = {
 TEST(PathUtil, EdgeCases) {
   for (const Case& c : kCases) {
     std::string spill;
-    std::string row = std::string(helperName(c.helper)) + " dir=" + (c.directory ? c.directory : "(null)") +
-                      " text=" + c.text + " ext=" + (c.extension ? c.extension : "(null)") +
+    std::string row = std::string(helperName(c.helper)) +
+                      " dir=" + (c.directory ? c.directory : "(null)") + " text=" + c.text +
+                      " ext=" + (c.extension ? c.extension : "(null)") +
                       " size=" + std::to_string(c.size);
     EXPECT_EQ(run(c.helper, c.directory, c.text, c.extension, c.size, &spill), c.expected) << row;
     EXPECT_EQ(spill, "xxxx") << row << ": wrote past size";
@@ -122,9 +148,11 @@ TEST(PathUtil, EdgeCases) {
 TEST(PathUtil, DirectoryLongerThanTheOutputIsCut) {
   std::string directory(300, 'd');
   std::string spill;
-  EXPECT_EQ(run(kCheckFilePath, directory.c_str(), "gun.ini", nullptr, 260, &spill), std::string(259, 'd'));
+  EXPECT_EQ(run(kCheckFilePath, directory.c_str(), "gun.ini", nullptr, 260, &spill),
+            std::string(259, 'd'));
   EXPECT_EQ(spill, "xxxx");
-  EXPECT_EQ(run(kCheckFilename, directory.c_str(), "gun", "ini", 260, &spill), std::string(259, 'd'));
+  EXPECT_EQ(run(kCheckFilename, directory.c_str(), "gun", "ini", 260, &spill),
+            std::string(259, 'd'));
   EXPECT_EQ(spill, "xxxx");
 }
 
@@ -142,8 +170,8 @@ TEST(PathUtil, InPlaceChangeOfExtension) {
 class PathUtilReport : public KernelTest {};
 
 TEST_F(PathUtilReport, NullOrEmptyInputClearsTheOutputAndTraces) {
-  for (Helper helper : {kCheckFilePath, kCheckFilename, kGetFilePath, kGetFileExtension, kRemoveFilePath,
-                        kSetFileExtension}) {
+  for (Helper helper : {kCheckFilePath, kCheckFilename, kGetFilePath, kGetFileExtension,
+                        kRemoveFilePath, kSetFileExtension}) {
     for (const char* text : {static_cast<const char*>(nullptr), ""}) {
       TraceCapture traces;
       EXPECT_EQ(run(helper, "data", text, "ini", 260), "") << helperName(helper);
@@ -162,7 +190,8 @@ TEST(PathUtil, CurrentDirectoryRoundTrip) {
   char saved[260];
   fmgGetCurrentDirectory(saved, sizeof saved);
   ASSERT_STRNE(saved, "");
-  EXPECT_EQ(std::strchr(saved, '/'), nullptr) << "the working directory reaches the system in backslash form";
+  EXPECT_EQ(std::strchr(saved, '/'), nullptr)
+      << "the working directory reaches the system in backslash form";
 
   std::string target = dir.path();
   for (char& c : target) c = c == '/' ? '\\' : c;

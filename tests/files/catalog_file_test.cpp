@@ -56,34 +56,44 @@ TEST_F(CatalogFileTest, LoadsOrFailsWithTheDocumentedMessage) {
   std::string name258(258, 'N');
   std::vector<Row> rows = {
       {"empty file", "", "Error reading CatalogHeader for %P!"},
-      {"27 bytes", catalogHeader("CAT", 0, 0, 0).substr(0, 27), "Error reading CatalogHeader for %P!"},
+      {"27 bytes", catalogHeader("CAT", 0, 0, 0).substr(0, 27),
+       "Error reading CatalogHeader for %P!"},
       {"bad magic", catalogHeader("PAK", 0, 0, 0), "%P is not a catalog file!"},
       {"longer magic", catalogHeader("CATA", 0, 0, 0), "%P is not a catalog file!"},
       {"magic without NUL", catalogHeader("CATX", 0, 0, 0), "%P is not a catalog file!"},
       {"lower-case magic", catalogHeader("cat", 0, 0, 0), ""},
       {"no files", catalogHeader("Cat", 0, 1, 0) + oneExt, ""},
       {"negative file count", catalogHeader("CAT", -5, 1, 0) + oneExt, ""},
-      {"name of 259", catalogHeader("CAT", 1, 1, 0) + catalogFileEntry(0, 259, name258 + kNul) + oneExt, ""},
+      {"name of 259",
+       catalogHeader("CAT", 1, 1, 0) + catalogFileEntry(0, 259, name258 + kNul) + oneExt, ""},
       {"name of 260", catalogHeader("CAT", 1, 1, 0) + catalogFileEntry(0, 260, name258 + "NN"),
        "Error while reading catalog %P: invalid filename length 260!"},
       {"negative name length", catalogHeader("CAT", 1, 1, 0) + catalogFileEntry(0, -1, "X"),
        "Error while reading catalog %P: invalid filename length -1!"},
-      {"very negative name length", catalogHeader("CAT", 1, 1, 0) + catalogFileEntry(0, INT32_MIN, "X"),
+      {"very negative name length",
+       catalogHeader("CAT", 1, 1, 0) + catalogFileEntry(0, INT32_MIN, "X"),
        "Error while reading catalog %P: invalid filename length -2147483648!"},
-      {"zero name length", catalogHeader("CAT", 2, 1, 0) + catalogFileEntry(0, 0, "") +
-                               catalogFileEntry(0, 6, "Z.DAT" + kNul) + oneExt, ""},
-      {"name without NUL", catalogHeader("CAT", 1, 1, 0) + catalogFileEntry(0, 5, "Z.DAT") + oneExt, ""},
+      {"zero name length",
+       catalogHeader("CAT", 2, 1, 0) + catalogFileEntry(0, 0, "") +
+           catalogFileEntry(0, 6, "Z.DAT" + kNul) + oneExt,
+       ""},
+      {"name without NUL", catalogHeader("CAT", 1, 1, 0) + catalogFileEntry(0, 5, "Z.DAT") + oneExt,
+       ""},
       {"name cut by the end", catalogHeader("CAT", 1, 1, 0) + catalogFileEntry(0, 6, "Z.D"),
        "Error while reading catalog %P: unable to read filename 0!"},
-      {"file count beyond the file", catalogHeader("CAT", 1000000, 1, 0) + catalogFileEntry(0, 6, "Z.DAT" + kNul),
+      {"file count beyond the file",
+       catalogHeader("CAT", 1000000, 1, 0) + catalogFileEntry(0, 6, "Z.DAT" + kNul),
        "Error while reading catalog %P: unable to read filename 1!"},
-      {"extension of 300", catalogHeader("CAT", 0, 1, 0) + catalogExtensionEntry(300, std::string(300, 'E')),
+      {"extension of 300",
+       catalogHeader("CAT", 0, 1, 0) + catalogExtensionEntry(300, std::string(300, 'E')),
        "Error while reading catalog %P: invalid extension length 300!"},
       {"negative extension length", catalogHeader("CAT", 0, 1, 0) + catalogExtensionEntry(-7, "E"),
        "Error while reading catalog %P: invalid extension length -7!"},
-      {"extension cut by the end", catalogHeader("CAT", 0, 2, 0) + oneExt + catalogExtensionEntry(4, "IN"),
+      {"extension cut by the end",
+       catalogHeader("CAT", 0, 2, 0) + oneExt + catalogExtensionEntry(4, "IN"),
        "Error while reading catalog %P: unable to read extension 1!"},
-      {"extension of 259", catalogHeader("CAT", 0, 1, 0) + catalogExtensionEntry(259, std::string(259, 'e')), ""},
+      {"extension of 259",
+       catalogHeader("CAT", 0, 1, 0) + catalogExtensionEntry(259, std::string(259, 'e')), ""},
   };
   for (const Row& row : rows) {
     std::int64_t before = LiveBlocks();
@@ -108,8 +118,10 @@ TEST_F(CatalogFileTest, LoadsOrFailsWithTheDocumentedMessage) {
 
 TEST_F(CatalogFileTest, TextFieldsAreEndedAtTheirEndAndUpperCased) {
   std::string bytes = catalogHeader("CAT", 4, 2, 10) + catalogFileEntry(100, 0, "") +
-                      catalogFileEntry(103, 5, "z.dat") + catalogFileEntry(104, 259, std::string(255, 'n') + ".DAT") +
-                      catalogFileEntry(106, 9, "x.dat" + kNul + "jun") + catalogExtensionEntry(4, "dat" + kNul) +
+                      catalogFileEntry(103, 5, "z.dat") +
+                      catalogFileEntry(104, 259, std::string(255, 'n') + ".DAT") +
+                      catalogFileEntry(106, 9, "x.dat" + kNul + "jun") +
+                      catalogExtensionEntry(4, "dat" + kNul) +
                       catalogExtensionEntry(259, std::string(259, 'e'));
   CatalogFile* catalog = Load(bytes);
   ASSERT_NE(catalog->handle, -1);
@@ -135,7 +147,8 @@ TEST_F(CatalogFileTest, TextFieldsAreEndedAtTheirEndAndUpperCased) {
 }
 
 TEST_F(CatalogFileTest, EmptyTablesFindNothing) {
-  CatalogFile* noExtensions = Load(catalogHeader("CAT", 1, 0, 3) + catalogFileEntry(36, 6, "A.DAT" + kNul) + "abc");
+  CatalogFile* noExtensions =
+      Load(catalogHeader("CAT", 1, 0, 3) + catalogFileEntry(36, 6, "A.DAT" + kNul) + "abc");
   ASSERT_NE(noExtensions->handle, -1);
   EXPECT_EQ(noExtensions->FindFile("A.DAT", "DAT"), 0);
   delete noExtensions;
@@ -172,7 +185,9 @@ TEST_F(CatalogFileTest, EveryPrefixThatCutsTheHeaderOrATableIsRefused) {
       EXPECT_NE(catalog->handle, -1) << "cut at " << cut;
       ASSERT_EQ(catalog->FindFile("B.INI", "INI"), 1);
       FileHandleRecord* record = catalog->OpenFoundFile();
-      EXPECT_EQ(Read(catalog, record, 100), whole.substr(writer.Offsets()[1], cut - std::min<std::size_t>(cut, writer.Offsets()[1])));
+      EXPECT_EQ(
+          Read(catalog, record, 100),
+          whole.substr(writer.Offsets()[1], cut - std::min<std::size_t>(cut, writer.Offsets()[1])));
       catalog->CloseFoundFile(record);
       memFree(record);
     } else {
@@ -197,11 +212,13 @@ TEST_F(CatalogFileTest, RandomBytesLoadOrFailCleanly) {
       case 1:  // a catalog header, then noise
         bytes = catalogHeader("CAT", static_cast<std::int32_t>(random() % 40) - 4,
                               static_cast<std::int32_t>(random() % 40) - 4, random());
-        for (std::size_t n = random() % 300; n > 0; n--) bytes.push_back(static_cast<char>(random()));
+        for (std::size_t n = random() % 300; n > 0; n--)
+          bytes.push_back(static_cast<char>(random()));
         break;
       default:  // a valid catalog with a few bytes changed
         bytes = valid;
-        for (int flips = 1 + random() % 4; flips > 0; flips--) bytes[random() % bytes.size()] = static_cast<char>(random());
+        for (int flips = 1 + random() % 4; flips > 0; flips--)
+          bytes[random() % bytes.size()] = static_cast<char>(random());
         break;
     }
     std::int64_t before = LiveBlocks();
@@ -263,7 +280,8 @@ TEST_F(CatalogFileTest, LargeFileCountsGetNoBlockAndStopAtTheListLimit) {
   // 65534 entries fit one block made up front; the load here fails at the second entry, but
   // the block shows.
   std::vector<std::string> lines;
-  CatalogFile* catalog = Load(catalogHeader("CAT", 65534, 0, 0) + catalogFileEntry(0, 1, kNul), &lines);
+  CatalogFile* catalog =
+      Load(catalogHeader("CAT", 65534, 0, 0) + catalogFileEntry(0, 1, kNul), &lines);
   EXPECT_EQ(catalog->headerList.capacity, 65534);
   delete catalog;
 
@@ -272,7 +290,8 @@ TEST_F(CatalogFileTest, LargeFileCountsGetNoBlockAndStopAtTheListLimit) {
   for (int i = 0; i < 32769; i++) bytes += catalogFileEntry(0, 0, "");
   catalog = Load(bytes, &lines);
   EXPECT_EQ(catalog->handle, -1);
-  EXPECT_EQ(lines, std::vector<std::string>{"MSG|Unable to append new file header to the header list!"});
+  EXPECT_EQ(lines,
+            std::vector<std::string>{"MSG|Unable to append new file header to the header list!"});
   EXPECT_EQ(catalog->headerList.count, 32768);
   delete catalog;
 }

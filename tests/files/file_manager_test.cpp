@@ -9,9 +9,9 @@
 
 #include "base/path_util.h"
 #include "catalog_writer.h"
+#include "core/core.h"
 #include "files_test_util.h"
 #include "kernel_fixture.h"
-#include "core/core.h"
 #include "platform/host_heap.h"
 #include "services/interface_manager.h"
 
@@ -55,7 +55,8 @@ CatalogFile* firstCatalog() { return static_cast<CatalogFile*>(gFMG->catalogs.he
 }  // namespace
 
 TEST_F(FileManagerTest, LooseFileOverridesPackedOneUntilItIsGone) {
-  std::string catalog = OpenCatalog("a.cat", CatalogWriter().Add("gun.ini", "packed").Add("noext", "x"));
+  std::string catalog =
+      OpenCatalog("a.cat", CatalogWriter().Add("gun.ini", "packed").Add("noext", "x"));
   writeWholeFile(dir_.file("gun.ini"), "loose");
   EXPECT_EQ(ReadName("gun.ini"), "loose");
   std::filesystem::remove(dir_.file("gun.ini"));
@@ -72,7 +73,8 @@ TEST_F(FileManagerTest, LooseFileOverridesPackedOneUntilItIsGone) {
 
 TEST_F(FileManagerTest, CatalogsAnswerInOrderOfOpening) {
   std::string first = OpenCatalog("1.cat", CatalogWriter().Add("X.DAT", "one"));
-  std::string second = OpenCatalog("2.cat", CatalogWriter().Add("x.dat", "two").Add("Y.DAT", "why"));
+  std::string second =
+      OpenCatalog("2.cat", CatalogWriter().Add("x.dat", "two").Add("Y.DAT", "why"));
   EXPECT_EQ(ReadName("x.dat"), "one");
   EXPECT_EQ(ReadName("y.dat"), "why");
   EXPECT_EQ(gFMG->GetFileSize("x.dat"), 3u);
@@ -183,7 +185,8 @@ TEST_F(FileManagerTest, WritesCreatesExistenceAndSizes) {
 
   TraceCapture traces;
   EXPECT_EQ(gFMG->CreateFile("no\\such\\dir.dat"), -1);
-  EXPECT_EQ(traces.Lines(), std::vector<std::string>{"MSG|Unable to create file no\\such\\dir.dat!"});
+  EXPECT_EQ(traces.Lines(),
+            std::vector<std::string>{"MSG|Unable to create file no\\such\\dir.dat!"});
   EXPECT_EQ(gFMG->openFiles.count, 0);
 }
 
@@ -223,8 +226,8 @@ TEST_F(FileManagerTest, ClosingACatalogWithFilesOpenDropsThem) {
   ASSERT_EQ(handle, 1);
   TraceCapture traces;
   gFMG->CloseCatalog(path.c_str());
-  EXPECT_EQ(traces.Lines(),
-            std::vector<std::string>{"MSG|Catalog file " + path + " is still in use! (OpenFileCount = 1)"});
+  EXPECT_EQ(traces.Lines(), std::vector<std::string>{"MSG|Catalog file " + path +
+                                                     " is still in use! (OpenFileCount = 1)"});
   char buffer[4];
   EXPECT_EQ(gFMG->ReadFile(handle, buffer, 3), 0) << "the number no longer reaches anything";
   gFMG->CloseFile(handle);
@@ -264,8 +267,9 @@ TEST_F(FileManagerTest, OutOfMemoryWhileOpening) {
     hostHeapFailNth(n);
     EXPECT_EQ(gFMG->CreateFile("disk.dat"), -1);
     hostHeapFailNth(0);
-    EXPECT_EQ(traces.Lines(), std::vector<std::string>{n == 1 ? "MSG|Unable to allocate memory for file handle!"
-                                                              : "MSG|Unable to add file handle list!"});
+    EXPECT_EQ(traces.Lines(),
+              std::vector<std::string>{n == 1 ? "MSG|Unable to allocate memory for file handle!"
+                                              : "MSG|Unable to add file handle list!"});
     EXPECT_EQ(readWholeFile(dir_.file("disk.dat")), "disk");
   }
 
@@ -285,7 +289,8 @@ TEST_F(FileManagerTest, OutOfMemoryWhileOpening) {
     }
     lines = traces.Lines();
     if (n == 1) {
-      EXPECT_EQ(lines, std::vector<std::string>{"MSG|Unable to allocate memory for catalog file " + path + "!"});
+      EXPECT_EQ(lines, std::vector<std::string>{"MSG|Unable to allocate memory for catalog file " +
+                                                path + "!"});
     }
     if (opened == 0) {
       EXPECT_EQ(gFMG->catalogs.count, 0) << n;
@@ -293,7 +298,8 @@ TEST_F(FileManagerTest, OutOfMemoryWhileOpening) {
       gFMG->CloseCatalog(path.c_str());
     }
   }
-  EXPECT_EQ(lines, std::vector<std::string>{"MSG|Unable to append catalog " + path + " to the catalog list!"});
+  EXPECT_EQ(lines, std::vector<std::string>{"MSG|Unable to append catalog " + path +
+                                            " to the catalog list!"});
 }
 
 TEST_F(FileManagerTest, DirectoryStackAndChangeDirectory) {
@@ -322,12 +328,14 @@ TEST_F(FileManagerTest, DirectoryStackAndChangeDirectory) {
   {
     TraceCapture traces;
     EXPECT_EQ(gFMG->PushDirectory(), 0);
-    EXPECT_EQ(traces.Lines(), std::vector<std::string>{"MSG|Error PushDirectory - unable to push directory " +
-                                                       At("one")});
+    EXPECT_EQ(traces.Lines(),
+              std::vector<std::string>{"MSG|Error PushDirectory - unable to push directory " +
+                                       At("one")});
     hostHeapFailNth(1);
     EXPECT_EQ(gFMG->PushDirectory(), 0);
     hostHeapFailNth(0);
-    EXPECT_EQ(traces.Lines().back(), "MSG|Error PushDirectory - unable to allocate memory for " + At("one"));
+    EXPECT_EQ(traces.Lines().back(),
+              "MSG|Error PushDirectory - unable to allocate memory for " + At("one"));
   }
   while (gFMG->directoryStack.count > 0) gFMG->PopDirectory();
 
@@ -364,7 +372,8 @@ TEST_F(FileManagerTest, ShutdownClosesWhatClientsLeftOpen) {
     ASSERT_EQ(fmgSetCurrentDirectory(here), 1);
     TraceCapture traces;
     manager.Shutdown();
-    EXPECT_TRUE(traces.Lines().empty()) << "no message of its own, and no open file left for the catalog";
+    EXPECT_TRUE(traces.Lines().empty())
+        << "no message of its own, and no open file left for the catalog";
     char now[260];
     fmgGetCurrentDirectory(now, sizeof now);
     EXPECT_STREQ(now, here) << "the stacked directory is not changed to";

@@ -15,7 +15,8 @@ class FileManagerThreads : public KernelTest {};
 
 std::string pattern(char first, std::size_t size) {
   std::string bytes(size, '\0');
-  for (std::size_t i = 0; i < size; i++) bytes[i] = static_cast<char>(first + (i * 7 + i / 251) % 26);
+  for (std::size_t i = 0; i < size; i++)
+    bytes[i] = static_cast<char>(first + (i * 7 + i / 251) % 26);
   return bytes;
 }
 

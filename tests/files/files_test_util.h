@@ -10,7 +10,8 @@
 // The system (backslash) form of a host path.
 inline std::string systemPath(const std::string& hostPath) {
   char out[kHostPathSize];
-  if (hostPathToSystem(hostPath.c_str(), out, sizeof out) != HostPathResult::kOk) return "<refused>";
+  if (hostPathToSystem(hostPath.c_str(), out, sizeof out) != HostPathResult::kOk)
+    return "<refused>";
   return out;
 }
 
@@ -18,7 +19,8 @@ inline std::string systemPath(const std::string& hostPath) {
 inline std::string readToEnd(std::int32_t handle, std::uint32_t chunk = 7) {
   std::string bytes;
   char buffer[4096];
-  for (std::int32_t got; (got = gFMG->ReadFile(handle, buffer, chunk)) > 0;) bytes.append(buffer, got);
+  for (std::int32_t got; (got = gFMG->ReadFile(handle, buffer, chunk)) > 0;)
+    bytes.append(buffer, got);
   return bytes;
 }
 

@@ -25,7 +25,8 @@ std::string readAll(const std::string& systemPath) {
   if (descriptor < 0) return "<missing>";
   std::string bytes;
   char buffer[64];
-  for (std::int32_t got; (got = hostFileRead(descriptor, buffer, sizeof buffer)) > 0;) bytes.append(buffer, got);
+  for (std::int32_t got; (got = hostFileRead(descriptor, buffer, sizeof buffer)) > 0;)
+    bytes.append(buffer, got);
   hostFileClose(descriptor);
   return bytes;
 }
@@ -68,7 +69,8 @@ TEST(HostFile, HostPathsComingInReachTheirFiles) {
 TEST(HostFile, HostPathsThatCantBeRepresentedAreRefused) {
   char out[kHostPathSize];
   std::strcpy(out, "stale");
-  EXPECT_EQ(hostPathToSystem("/home/ann/back\\slash.ini", out, sizeof out), HostPathResult::kHasBackslash);
+  EXPECT_EQ(hostPathToSystem("/home/ann/back\\slash.ini", out, sizeof out),
+            HostPathResult::kHasBackslash);
   EXPECT_STREQ(out, "");
   EXPECT_NE(std::strstr(hostPathMessage(HostPathResult::kHasBackslash), "backslash"), nullptr);
 

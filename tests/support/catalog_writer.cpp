@@ -6,7 +6,8 @@
 #include <fstream>
 
 void appendU32(std::string& bytes, std::uint32_t value) {
-  for (int shift = 0; shift < 32; shift += 8) bytes.push_back(static_cast<char>((value >> shift) & 0xFF));
+  for (int shift = 0; shift < 32; shift += 8)
+    bytes.push_back(static_cast<char>((value >> shift) & 0xFF));
 }
 
 std::string catalogHeader(const std::string& magic, std::int32_t fileCount,
@@ -58,7 +59,8 @@ std::vector<std::string> CatalogWriter::Extensions() const {
 std::uint32_t CatalogWriter::TablesEnd() const {
   std::uint32_t end = 28;
   for (const File& file : files_) end += 8 + static_cast<std::uint32_t>(file.name.size()) + 1;
-  for (const std::string& extension : Extensions()) end += 4 + static_cast<std::uint32_t>(extension.size()) + 1;
+  for (const std::string& extension : Extensions())
+    end += 4 + static_cast<std::uint32_t>(extension.size()) + 1;
   return end;
 }
 
@@ -76,15 +78,17 @@ std::string CatalogWriter::Bytes() const {
   std::vector<std::string> extensions = Extensions();
   std::uint32_t dataSize = 0;
   for (const File& file : files_) dataSize += static_cast<std::uint32_t>(file.bytes.size());
-  std::string bytes = catalogHeader(std::string("CAT\0", 4), static_cast<std::int32_t>(files_.size()),
-                                    static_cast<std::int32_t>(extensions.size()), dataSize);
+  std::string bytes =
+      catalogHeader(std::string("CAT\0", 4), static_cast<std::int32_t>(files_.size()),
+                    static_cast<std::int32_t>(extensions.size()), dataSize);
   std::vector<std::uint32_t> offsets = Offsets();
   for (std::size_t i = 0; i < files_.size(); i++) {
     const std::string& name = files_[i].name;
     bytes += catalogFileEntry(offsets[i], static_cast<std::int32_t>(name.size() + 1), name + '\0');
   }
   for (const std::string& extension : extensions) {
-    bytes += catalogExtensionEntry(static_cast<std::int32_t>(extension.size() + 1), extension + '\0');
+    bytes +=
+        catalogExtensionEntry(static_cast<std::int32_t>(extension.size() + 1), extension + '\0');
   }
   for (const File& file : files_) bytes += file.bytes;
   return bytes;
