@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Builds and runs every test twice: a plain build, then one under AddressSanitizer and UBSan.
+# Builds and runs every test twice: a plain build (benchmarks compiled, not run), then one under
+# AddressSanitizer and UBSan; then the concurrent file readers under ThreadSanitizer.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/install-deps.sh
@@ -13,7 +14,9 @@ run_suite() {
 }
 
 echo "== plain build"
-run_suite build/plain
+run_suite build/plain -DTESS_BENCH=ON
 echo "== address and undefined-behaviour sanitizers"
 ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1 \
   run_suite build/asan -DTESS_SANITIZE=ON
+echo "== thread sanitizer"
+bash scripts/tsan.sh

@@ -24,10 +24,10 @@ TEST(Core, StartupRegistersServicesAndSetsPointers) {
   EXPECT_NE(gIM, nullptr);
   EXPECT_NE(gMEM, nullptr);
   EXPECT_NE(gDBG, nullptr);
-  for (const char* name : {"DBG", "MEM"}) {
+  for (const char* name : {"DBG", "MEM", "FMG"}) {
     InterfaceEntry* entry = entryNamed(name);
     ASSERT_NE(entry, nullptr) << name;
-    EXPECT_EQ(entry->refCount, 0) << name;
+    EXPECT_EQ(entry->refCount, std::string(name) == "FMG" ? 1 : 0) << name;
     EXPECT_EQ(entry->owner, 0u) << name;
   }
   EXPECT_EQ(entryNamed("DBG")->iface, gDBG);
@@ -50,6 +50,8 @@ TEST(Core, ShutdownTracesInMirrorOrder) {
     ASSERT_EQ(CoreStartup(), 1);
   }
   std::vector<std::string> expected = {
+      "MSG|File Manager deinitialized...",
+      "MSG|Interface FMG successfully unregistered.",
       "MSG|Interface MEM successfully unregistered.",
       "MSG|Memory Manager interface unregistered...",
       "MSG|Interface DBG successfully unregistered.",
