@@ -3,6 +3,8 @@
 
 #include <cstring>
 
+#include "platform/host_file.h"
+
 DebugSystem* gDBG = nullptr;
 
 namespace {
@@ -70,7 +72,7 @@ void DebugSystem::TraceTagged(const char* tag, int level, const char* format, va
   }
   line.Add(message);
   line.Add("\n");
-  if (mode == 1 && fileName[0] != '\0') stream = std::fopen(fileName, "a");
+  if (mode == 1 && fileName[0] != '\0') stream = hostFileOpenStream(fileName, "a");
   if (stream) {
     std::fwrite(line.text, 1, line.used, stream);
     std::fflush(stream);

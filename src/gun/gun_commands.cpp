@@ -1,6 +1,7 @@
 // The six gun commands on GunList and the rows of its view, and the record/form conversions.
 #include "gun/gun_commands.h"
 
+#include <cstddef>
 #include <cstring>
 
 #include "base/memory_manager.h"
@@ -17,6 +18,49 @@ constexpr int kCellCount = 4;
 // Constants of the weight conversions, single precision like those of GunDataDerive.
 constexpr float kGramsToKilograms = 0.001f;
 constexpr float kKilogramsToGrams = 1000.0f;
+
+// A text of the record and the form member of the same name.
+struct TextField {
+  std::size_t recordOffset;
+  int recordSize;
+  std::size_t formOffset;
+
+  char* In(GunData* record) const { return reinterpret_cast<char*>(record) + recordOffset; }
+  const char* In(const GunData* record) const {
+    return reinterpret_cast<const char*>(record) + recordOffset;
+  }
+  char* In(EditGunDialog* form) const { return reinterpret_cast<char*>(form) + formOffset; }
+  const char* In(const EditGunDialog* form) const {
+    return reinterpret_cast<const char*>(form) + formOffset;
+  }
+};
+
+#define TEXT_FIELD(name) \
+  { offsetof(GunData, name), sizeof(GunData::name), offsetof(EditGunDialog, name) }
+const TextField kTextFields[] = {TEXT_FIELD(TypeName),      TEXT_FIELD(FullName),
+                                 TEXT_FIELD(GunFireEffect), TEXT_FIELD(GunFireSound),
+                                 TEXT_FIELD(TracerTexture), TEXT_FIELD(EffectClassName)};
+#undef TEXT_FIELD
+
+// The floats that pass unchanged both ways; the colour is three members in the form.
+struct FloatField {
+  float EditGunDialog::*form;
+  float GunData::*record;
+};
+const FloatField kFloatFields[] = {
+    {&EditGunDialog::Caliber, &GunData::Caliber},
+    {&EditGunDialog::ROF, &GunData::ROF},
+    {&EditGunDialog::MuzzleVel, &GunData::MuzzleVel},
+    {&EditGunDialog::Accuracy, &GunData::Accuracy},
+    {&EditGunDialog::Reliability, &GunData::Reliability},
+    {&EditGunDialog::MaxLightRange, &GunData::MaxLightRange},
+    {&EditGunDialog::EffectTime, &GunData::EffectTime},
+    {&EditGunDialog::TracerSize, &GunData::TracerSize},
+    {&EditGunDialog::TracerDistFactor, &GunData::TracerDistFactor},
+    {&EditGunDialog::TracerLength, &GunData::TracerLength},
+    {&EditGunDialog::MaxVisibleDist, &GunData::MaxVisibleDist},
+    {&EditGunDialog::MaxStreakVisibleDist, &GunData::MaxStreakVisibleDist},
+};
 
 float scaled(float value, float factor) {
   return static_cast<float>(static_cast<double>(value) * static_cast<double>(factor));
@@ -75,61 +119,32 @@ void setNumberCell(GunListView* view, int row, int cell, float value, int decima
 }  // namespace
 
 void GunDataFromDialog(GunData* record, const EditGunDialog* form) {
-  strCopyN(record->TypeName, form->TypeName, sizeof record->TypeName);
-  strCopyN(record->FullName, form->FullName, sizeof record->FullName);
-  record->Caliber = form->Caliber;
-  record->ROF = form->ROF;
-  record->MuzzleVel = form->MuzzleVel;
+  for (const TextField& field : kTextFields) {
+    strCopyN(field.In(record), field.In(form), field.recordSize);
+  }
+  for (const FloatField& field : kFloatFields) record->*field.record = form->*field.form;
   record->AmmoWt = scaled(form->AmmoWt, kGramsToKilograms);
   record->WarheadWt = scaled(form->WarheadWt, kGramsToKilograms);
-  record->Accuracy = form->Accuracy;
-  record->Reliability = form->Reliability;
-  strCopyN(record->GunFireEffect, form->GunFireEffect, sizeof record->GunFireEffect);
-  strCopyN(record->GunFireSound, form->GunFireSound, sizeof record->GunFireSound);
   record->AddLight = static_cast<std::int16_t>(form->AddLight);
   record->FireColor[0] = form->FireColorR;
   record->FireColor[1] = form->FireColorG;
   record->FireColor[2] = form->FireColorB;
-  record->MaxLightRange = form->MaxLightRange;
-  record->EffectTime = form->EffectTime;
-  strCopyN(record->TracerTexture, form->TracerTexture, sizeof record->TracerTexture);
   record->TracerSlot = 0;
-  record->TracerSize = form->TracerSize;
-  record->TracerDistFactor = form->TracerDistFactor;
-  record->TracerLength = form->TracerLength;
-  record->MaxVisibleDist = form->MaxVisibleDist;
-  record->MaxStreakVisibleDist = form->MaxStreakVisibleDist;
-  strCopyN(record->EffectClassName, form->EffectClassName, sizeof record->EffectClassName);
   GunDataDerive(record);
 }
 
 void GunDataToDialog(EditGunDialog* form, const GunData* record) {
-  // The record's texts always end within their fields, and every field is smaller than the
-  // form's members, so the copies are whole.
-  strCopyN(form->TypeName, record->TypeName, sizeof form->TypeName);
-  strCopyN(form->FullName, record->FullName, sizeof form->FullName);
-  form->Caliber = record->Caliber;
-  form->ROF = record->ROF;
-  form->MuzzleVel = record->MuzzleVel;
+  // Every record field is smaller than the form's member, so the copies are whole.
+  for (const TextField& field : kTextFields) {
+    strCopyN(field.In(form), field.In(record), EditGunDialog::kTextSize);
+  }
+  for (const FloatField& field : kFloatFields) form->*field.form = record->*field.record;
   form->AmmoWt = scaled(record->AmmoWt, kKilogramsToGrams);
   form->WarheadWt = scaled(record->WarheadWt, kKilogramsToGrams);
-  form->Accuracy = record->Accuracy;
-  form->Reliability = record->Reliability;
-  strCopyN(form->GunFireEffect, record->GunFireEffect, sizeof form->GunFireEffect);
-  strCopyN(form->GunFireSound, record->GunFireSound, sizeof form->GunFireSound);
   form->AddLight = record->AddLight;
   form->FireColorR = record->FireColor[0];
   form->FireColorG = record->FireColor[1];
   form->FireColorB = record->FireColor[2];
-  form->MaxLightRange = record->MaxLightRange;
-  form->EffectTime = record->EffectTime;
-  strCopyN(form->TracerTexture, record->TracerTexture, sizeof form->TracerTexture);
-  form->TracerSize = record->TracerSize;
-  form->TracerDistFactor = record->TracerDistFactor;
-  form->TracerLength = record->TracerLength;
-  form->MaxVisibleDist = record->MaxVisibleDist;
-  form->MaxStreakVisibleDist = record->MaxStreakVisibleDist;
-  strCopyN(form->EffectClassName, record->EffectClassName, sizeof form->EffectClassName);
 }
 
 void AddRow(GunListView* view, int row, const GunData* record) {

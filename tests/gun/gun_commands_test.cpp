@@ -126,6 +126,11 @@ TEST_F(GunTest, FormConversionsUseSinglePrecisionGramsAndKeepLimits) {
   form.WarheadWt = 250;
   form.AddLight = 0x10001;  // only the low 16 bits reach the record
   form.FireColorR = 2.5f;   // colours pass unclamped
+  float* floats[] = {&form.Caliber, &form.ROF, &form.MuzzleVel, &form.Accuracy,
+                     &form.Reliability, &form.FireColorG, &form.FireColorB, &form.MaxLightRange,
+                     &form.EffectTime, &form.TracerSize, &form.TracerDistFactor,
+                     &form.TracerLength, &form.MaxVisibleDist, &form.MaxStreakVisibleDist};
+  for (int i = 0; i < 14; i++) *floats[i] = static_cast<float>(i + 1);
   std::memset(form.TypeName, 'x', 100);
   std::memset(form.FullName, 'y', 200);
   GunData record;
@@ -135,6 +140,12 @@ TEST_F(GunTest, FormConversionsUseSinglePrecisionGramsAndKeepLimits) {
   EXPECT_EQ(std::bit_cast<std::uint32_t>(record.WarheadWt), 0x3E800000u);
   EXPECT_EQ(record.AddLight, 1);
   EXPECT_EQ(record.FireColor[0], 2.5f);
+  const float byName[] = {record.Caliber, record.ROF, record.MuzzleVel, record.Accuracy,
+                          record.Reliability, record.FireColor[1], record.FireColor[2],
+                          record.MaxLightRange, record.EffectTime, record.TracerSize,
+                          record.TracerDistFactor, record.TracerLength, record.MaxVisibleDist,
+                          record.MaxStreakVisibleDist};
+  for (int i = 0; i < 14; i++) EXPECT_EQ(byName[i], static_cast<float>(i + 1)) << i;
   EXPECT_EQ(record.TracerSlot, 0);
   EXPECT_EQ(record.SlotA, -1);
   EXPECT_EQ(std::strlen(record.TypeName), 63u);
@@ -146,6 +157,8 @@ TEST_F(GunTest, FormConversionsUseSinglePrecisionGramsAndKeepLimits) {
   EXPECT_EQ(back.AmmoWt, 100.0f);
   EXPECT_EQ(back.WarheadWt, 250.0f);
   EXPECT_EQ(back.AddLight, -1) << "widened with its sign";
+  EXPECT_EQ(back.FireColorR, 2.5f);
+  EXPECT_EQ(back.MaxStreakVisibleDist, 14.0f);
   EXPECT_EQ(std::strlen(back.TypeName), 63u);
 }
 
