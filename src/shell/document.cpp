@@ -80,25 +80,14 @@ void winFileDialogInit(ShellWindow* owner) {
 }
 
 int winFileOpenDialog(ShellWindow* owner, char* file, char* fileTitle, const char* filter) {
-  FileDialog.owner = owner;
-  FileDialog.file = file;
-  FileDialog.fileTitle = fileTitle;
-  FileDialog.filter = filter;
-  FileDialog.defaultExtension = nullptr;
-  if (!owner) return 0;
-  return owner->ChooseOpenFile(FileDialog.file, FileDialog.fileTitle, FileDialog.filter);
+  FileDialog = {owner, file, fileTitle, filter, nullptr};
+  return owner ? owner->ChooseOpenFile(file, fileTitle, filter) : 0;
 }
 
 int winFileSaveDialog(ShellWindow* owner, char* file, char* fileTitle, const char* filter,
                       const char* defaultExtension) {
-  FileDialog.owner = owner;
-  FileDialog.file = file;
-  FileDialog.fileTitle = fileTitle;
-  FileDialog.filter = filter;
-  FileDialog.defaultExtension = defaultExtension;
-  if (!owner) return 0;
-  return owner->ChooseSaveFile(FileDialog.file, FileDialog.fileTitle, FileDialog.filter,
-                               FileDialog.defaultExtension);
+  FileDialog = {owner, file, fileTitle, filter, defaultExtension};
+  return owner ? owner->ChooseSaveFile(file, fileTitle, filter, defaultExtension) : 0;
 }
 
 void SaveToChosenFile(ShellWindow* window) {
