@@ -78,7 +78,7 @@ class IniFile {
   float IniGetFloat(const char* section, const char* key, float defaultValue);
   // Copies the value (or on a miss the default) into `out` of `size` bytes with strCopyN.
   // caseMode 1 upper-cases, 2 lower-cases a stored value; a default is copied as it is. With a
-  // null `out`, or a size below 1, nothing happens but the lookup.
+  // null `out` nothing happens but the lookup; with a size below 1 nothing is copied.
   void IniGetString(const char* section, const char* key, const char* defaultValue, char* out,
                     std::int32_t size, int caseMode);
   // 1 for "TRUE" and 0 for "FALSE" in any case (the tag stays string); any other value counts
@@ -121,6 +121,9 @@ class IniFile {
  private:
   // The key `key` of section `section`, or null; moves both list cursors.
   IniKey* FindKey(const char* section, const char* key);
+  // A new record holding `text`, named by a copy of `key` in the arena; null when the arena
+  // can't take the name (traced with `arenaFullTrace`, which has one %s) or memory runs out.
+  IniKey* MakeNamedKey(const char* key, char* text, const char* arenaFullTrace);
   // Reads one file into the arena and its sections into the object; puts the names of its
   // includes, in line order, ahead of those in `pending`.
   int ParseOneFile(const char* name, CursorList* pending);

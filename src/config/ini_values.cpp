@@ -14,6 +14,8 @@
 namespace {
 
 constexpr int kTextSize = 260;
+constexpr const char* kAppendStringTrace = "Unable to append string %s to the buffer!";
+constexpr const char* kAppendKeyNameTrace = "Unable to append string key name %s to the buffer!";
 
 // The value cut toward zero; one that has no 32-bit integer gives INT32_MIN, as the host's
 // truncating conversion does, instead of undefined behaviour.
@@ -145,16 +147,19 @@ float IniFile::IniGetFloat(const char* section, const char* key, float defaultVa
 void IniFile::IniGetString(const char* section, const char* key, const char* defaultValue,
                            char* out, std::int32_t size, int caseMode) {
   IniKey* found = FindKey(section, key);
-  if (!out || size < 1) return;
+  if (!out) return;
+  // A buffer without room for the terminator takes no copy; the key is still read or added.
+  bool copies = size >= 1;
   if (found) {
     found->type = kIniString;
+    if (!copies) return;
     strCopyN(out, found->stringValue, size);
     if (caseMode == 1) strUpper(out);
     else if (caseMode == 2) strLower(out);
     return;
   }
   if (autoWriteDefaults) IniSetString(section, key, defaultValue);
-  strCopyN(out, defaultValue, size);
+  if (copies) strCopyN(out, defaultValue, size);
 }
 
 std::int32_t IniFile::IniGetBool(const char* section, const char* key, std::int32_t defaultValue) {
@@ -189,6 +194,14 @@ int IniGetColor(float* color, IniFile* ini, const char* section, const char* key
   return 1;
 }
 
+IniKey* IniFile::MakeNamedKey(const char* key, char* text, const char* arenaFullTrace) {
+  if (!pool.Append(key)) {
+    dbgTrace(arenaFullTrace, key);
+    return nullptr;
+  }
+  return IniKey::Make(pool.CurrentString(), text);
+}
+
 int IniFile::IniSetInt(const char* section, const char* key, std::int32_t value) {
   if (!key) return 0;
   if (IniKey* found = FindKey(section, key)) {
@@ -196,12 +209,8 @@ int IniFile::IniSetInt(const char* section, const char* key, std::int32_t value)
     found->intValue = value;
     return 1;
   }
-  if (!pool.Append(key)) {
-    dbgTrace("Unable to append string %s to the buffer!", key);
-    return 0;
-  }
-  IniKey* record = IniKey::Make(pool.CurrentString(), nullptr);
-  if (!record) return IniAddKey(section, nullptr);
+  IniKey* record = MakeNamedKey(key, nullptr, kAppendStringTrace);
+  if (!record) return 0;
   record->type = kIniInteger;
   record->intValue = value;
   record->floatValue = static_cast<float>(value);
@@ -215,12 +224,8 @@ int IniFile::IniSetFloat(const char* section, const char* key, float value) {
     found->floatValue = value;
     return 1;
   }
-  if (!pool.Append(key)) {
-    dbgTrace("Unable to append string %s to the buffer!", key);
-    return 0;
-  }
-  IniKey* record = IniKey::Make(pool.CurrentString(), nullptr);
-  if (!record) return IniAddKey(section, nullptr);
+  IniKey* record = MakeNamedKey(key, nullptr, kAppendStringTrace);
+  if (!record) return 0;
   record->type = kIniFloat;
   record->intValue = truncateToInt(value);
   record->floatValue = value;
@@ -232,7 +237,7 @@ int IniFile::IniSetString(const char* section, const char* key, const char* valu
   char* text = emptyString;
   if (!strIsEmpty(value)) {
     if (!pool.Append(value)) {
-      dbgTrace("Unable to append string %s to the buffer!", value);
+      dbgTrace(kAppendStringTrace, value);
       return 0;
     }
     text = pool.CurrentString();
@@ -242,12 +247,8 @@ int IniFile::IniSetString(const char* section, const char* key, const char* valu
     found->stringValue = text;
     return 1;
   }
-  if (!pool.Append(key)) {
-    // The copy of the value stays behind as dead text.
-    dbgTrace("Unable to append string key name %s to the buffer!", key);
-    return 0;
-  }
-  return IniAddKey(section, IniKey::Make(pool.CurrentString(), text));
+  // When the name doesn't fit, the copy of the value stays behind as dead text.
+  return IniAddKey(section, MakeNamedKey(key, text, kAppendKeyNameTrace));
 }
 
 int IniFile::IniSetBool(const char* section, const char* key, std::int32_t value) {
@@ -258,11 +259,7 @@ int IniFile::IniSetBool(const char* section, const char* key, std::int32_t value
     found->stringValue = word;
     return 1;
   }
-  if (!pool.Append(key)) {
-    dbgTrace("Unable to append string key name %s to the buffer!", key);
-    return 0;
-  }
-  return IniAddKey(section, IniKey::Make(pool.CurrentString(), word));
+  return IniAddKey(section, MakeNamedKey(key, word, kAppendKeyNameTrace));
 }
 
 int IniFile::IniAddKey(const char* section, IniKey* record) {
@@ -272,7 +269,7 @@ int IniFile::IniAddKey(const char* section, IniKey* record) {
     target = static_cast<IniSection*>(sections.current->payload);
   } else {
     if (!section || !pool.Append(section)) {
-      if (section) dbgTrace("Unable to append string %s to the buffer!", section);
+      if (section) dbgTrace(kAppendStringTrace, section);
       memFree(record);
       return 0;
     }
@@ -300,7 +297,8 @@ std::int32_t IniFile::IniCountSections(const char* format) {
   if (!format) return 0;
   char name[kTextSize];
   for (std::int32_t n = 1;; n++) {
-    if (!formatNumbered(name, sizeof name, format, n)) return 0;
+    // A format the formatter can't take fails at 1 already; a later failure is a name too long.
+    if (!formatNumbered(name, sizeof name, format, n)) return n - 1;
     if (!sections.FindByName(name)) return n - 1;
   }
 }
