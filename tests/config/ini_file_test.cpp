@@ -1,0 +1,297 @@
+// Tests of IniFile: the dialect, includes from disk and catalog, the views and the tag, a write
+// and a second read under "C" and a decimal comma, the arena's end and failed allocations.
+#include "config/ini_file.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <functional>
+#include <set>
+#include <sstream>
+#include <string>
+
+#include "catalog_writer.h"
+#include "comma_locale.h"
+#include "files/file_manager.h"
+#include "kernel_fixture.h"
+#include "platform/host_heap.h"
+
+namespace {
+
+constexpr std::size_t kArena = IniFile::kArenaSize;
+using Act = std::function<double(IniFile&)>;
+
+// The process works in a fresh directory, so bare names and includes reach the test's files.
+class IniFileTest : public KernelTest {
+ protected:
+  void SetUp() override {
+    KernelTest::SetUp();
+    std::filesystem::current_path(dir_.path());
+  }
+  void TearDown() override {
+    useClassicLocale();
+    std::filesystem::current_path(previous_);
+    KernelTest::TearDown();
+  }
+  TempDir dir_;
+  std::filesystem::path previous_ = std::filesystem::current_path();
+};
+
+// "[name]k=v,k2=(null);[name2]..." in list order, without moving a cursor. The object's own
+// strings show as (empty), (true), (false); `views` adds ":type:int:float" to each value.
+std::string iniPicture(const IniFile& ini, bool views = false) {
+  std::ostringstream out;
+  for (CursorNode* s = ini.sections.head; s; s = s->next) {
+    auto* section = static_cast<IniSection*>(s->payload);
+    out << "[" << section->name << "]";
+    for (CursorNode* k = section->keys.head; k; k = k->next) {
+      auto* key = static_cast<IniKey*>(k->payload);
+      const char* v = key->stringValue;
+      out << (k == section->keys.head ? "" : ",") << key->name << "="
+          << (!v ? "(null)" : v == ini.emptyString ? "(empty)" : v == ini.trueString ? "(true)"
+              : v == ini.falseString ? "(false)" : v);
+      if (views) out << ":" << key->type << ":" << key->intValue << ":" << key->floatValue;
+    }
+    out << ";";
+  }
+  return out.str();
+}
+
+TEST_F(IniFileTest, ReadsTheDialect) {
+  struct Case { const char* name; std::string text; const char* picture; int result; } cases[] = {
+      {"CR and LF each end a line", "[S]\r\nk=v\rj=w", "[S]k=v,j=w;", 1},
+      {"a line end first gives nothing", "\r\n[S]\r\nk=v\r\n", "", 0},
+      {"a zero byte first gives nothing", std::string("\0[S]\nk=v\n", 9), "", 0},
+      {"keys ahead of the first section", "k=1\n;c\n[S]\nj=2\n", "[S]j=2;", 1},
+      {"a # line ends the key list", "[S]\nk=1\n#pragma x\nj=2\n[T]\nm=3\n", "[S]k=1;[T]m=3;", 1},
+      {"only ; first is a comment", "[S]\n;x=1\n ;y=2\n", "[S];y=2;", 1},
+      {"blanks ahead of [ make no header", " [T]\n[S]\n [T]=1\n", "[S][T]=1;", 1},
+      {"first key and section of a name win", "[S]\nKey=1\nkEY=2\n[s]\nj=2\n", "[S]Key=1;", 1},
+      {"keys and values trimmed", "[S]\n  a b \t=  c d  \n", "[S]a b=c d;", 1},
+      {"the key ends at the first =", "[S]\nk=a=b;c\nplain\n", "[S]k=a=b;c;", 1},
+      {"section names untrimmed, up to a final ]", "[ S ] x\n[T\n", "[ S ] x];[T];", 1},
+  };
+  for (const Case& c : cases) {
+    writeWholeFile("t.ini", c.text);
+    IniFile ini("t.ini", 0, 1);
+    EXPECT_EQ(ini.IniParseFile("t.ini"), c.result) << c.name;
+    EXPECT_EQ(iniPicture(ini), c.picture) << c.name;
+  }
+}
+
+// A catalog serves the file and its includes (a disk file of the same name first): depth first
+// in line order, behind all sections of the including file, whose key list an include ends.
+TEST_F(IniFileTest, ReadsIncludesFromACatalogLikeFromDisk) {
+  TraceCapture trace;
+  CatalogWriter catalog;
+  catalog.Add("MAIN.INI", "[M]\nk=1\nK=2\n#INCLUDE one.ini x\nlost=1\n[M2]\n#include\tnever.ini\n"
+                          "# include never.ini\n#include\n#include \"two words.ini\" x\n"
+                          "#include loose.ini\n")
+      .Add("ONE.INI", "[O]\n#include deep.ini\n#include gone.ini\n")
+      .Add("DEEP.INI", "[D]\n#include deeper.ini\n")
+      .Add("DEEPER.INI", "[m]\nk=3\n[E]\ne=4\n")
+      .Add("TWO WORDS.INI", "[W]\n")
+      .Add("LOOSE.INI", "[CAT]\n")
+      .Add("LOOP.INI", "[L]\n#include loop.ini\n#include never.ini\n")
+      .Add("NEVER.INI", "[N]\n");
+  catalog.WriteTo("ini.cat");
+  writeWholeFile("loose.ini", "[DISK]\n");
+  ASSERT_EQ(gFMG->OpenCatalog("ini.cat"), 1);
+  IniFile ini("main", 0, 0);
+  EXPECT_EQ(iniPicture(ini), "[M]k=1;[M2];[O];[D];[E]e=4;[W];[DISK];");
+  EXPECT_TRUE(trace.Has("MSG|Deleting duplicate key K from .\\main.INI..."));
+  EXPECT_TRUE(trace.Has("MSG|Deleting duplicate section m from deeper.ini..."));
+  // The cycle fills the arena before the include behind it is reached.
+  IniFile loop("loop", 0, 0);
+  EXPECT_EQ(iniPicture(loop), "[L];");
+  EXPECT_EQ(loop.pool.top, loop.pool.base + loop.pool.capacity);
+  EXPECT_EQ(loop.pool.top[-1], '\0');
+  gFMG->CloseCatalog("ini.cat");
+}
+
+// A first file of the arena's size is taken whole, a longer one cut behind it; an include read
+// into whatever space is left, down to one byte, parses like the same prefix read alone.
+TEST_F(IniFileTest, CutsTextAtTheArenasEnd) {
+  for (std::size_t size : {kArena, kArena + 1, kArena + 5000}) {
+    std::string text = "[S]\nk=" + std::string(size - 8, 'v') + "YZ";
+    writeWholeFile("big.ini", size > kArena ? text + "\n[T]\nt=1\n" : text);
+    IniFile ini("big.ini", 0, 0);
+    EXPECT_EQ(iniPicture(ini), "[S]k=" + text.substr(6, kArena - 6) + ";") << size;
+    EXPECT_EQ(ini.pool.top, ini.pool.base + kArena + 1) << size;
+  }
+  const std::string included = "[B]\r\nx=1\r\n[C]\ny = 2 \n#pragma once\nz=3";
+  writeWholeFile("b.ini", included);
+  for (std::size_t room = 1; room <= included.size() + 2; room++) {
+    std::string value(kArena - room - 22, 'v');  // 22 bytes of text around it
+    writeWholeFile("main.ini", "[A]\nk=" + value + "\n#include b.ini\n");
+    writeWholeFile("prefix.ini", included.substr(0, std::min(room - 1, included.size())));
+    IniFile ini("main.ini", 0, 0), alone("prefix.ini", 0, 0);
+    EXPECT_EQ(iniPicture(ini), "[A]k=" + value + ";" + iniPicture(alone)) << room;
+    EXPECT_EQ(ini.pool.FreeSpace(), room > included.size() + 1 ? 1 : 0) << room;
+  }
+}
+
+// Each allocation of a parse fails in turn: a documented outcome, and no block left behind.
+TEST_F(IniFileTest, ParsesThroughEveryFailedAllocation) {
+  TraceCapture trace;
+  writeWholeFile("main.ini", "[S]\nk=1\nj=2\n#include sub.ini\n[T]\nm=3\n");
+  writeWholeFile("sub.ini", "[U]\nx=1\n");
+  std::set<std::string> outcomes;
+  for (std::int64_t n = 1;; n++) {
+    std::int64_t before = LiveBlocks();
+    hostHeapFailNth(n);
+    outcomes.insert(iniPicture(IniFile("main.ini", 0, 0)));
+    bool fired = hostHeapFailPending() == 0;
+    hostHeapFailNth(0);
+    ASSERT_EQ(LiveBlocks(), before) << n;
+    if (!fired) break;
+  }
+  // All (or a string failed); no arena; a key's, a section's, the include's record or node.
+  EXPECT_EQ(outcomes, (std::set<std::string>{
+      "[S]k=1,j=2;[T]m=3;[U]x=1;", "", "[S]j=2;[T]m=3;[U]x=1;", "[S]k=1;[T]m=3;[U]x=1;",
+      "[T]m=3;[U]x=1;", "[S]k=1,j=2;[U]x=1;", "[S]k=1,j=2;[T];[U]x=1;", "[S]k=1,j=2;[T]m=3;",
+      "[S]k=1,j=2;[T]m=3;[U];"}));
+  EXPECT_TRUE(trace.Has("MSG|Deleting duplicate key k from .\\main.ini..."));
+  EXPECT_TRUE(trace.Has("MSG|Unable to append section U to the list, file sub.ini!"));
+}
+
+// One operation on key S/k with a last argument.
+template <typename Operation, typename Argument>
+Act on(Operation operation, Argument argument) {
+  return [=](IniFile& ini) { return (ini.*operation)("S", "k", argument); };
+}
+
+// The result and the views of S/k after one event, on a file that holds it (p) or is empty.
+TEST_F(IniFileTest, FillsTheViewsAsEachEventSays) {
+  const std::string p = "[S]\nk= 3.75 \n";
+  struct Row { const char* name; std::string file; Act act; double result; const char* views; };
+  const Row rows[] = {
+      {"parsed", p, [](IniFile&) { return 1; }, 1, "3.75:0:3:3.75"},
+      {"parsed empty, then blanks", "[S]\nk=\nj=  \n", [](IniFile&) { return 1; }, 1,
+       "(null):0:0:0,j=:0:0:0"},
+      {"SetInt new", "", on(&IniFile::IniSetInt, -7), 1, "(null):1:-7:-7"},
+      {"SetInt exists", p, on(&IniFile::IniSetInt, 9), 1, "3.75:1:9:3.75"},
+      {"SetFloat new", "", on(&IniFile::IniSetFloat, -2.75f), 1, "(null):2:-2:-2.75"},
+      {"SetFloat exists", p, on(&IniFile::IniSetFloat, 0.5f), 1, "3.75:2:3:0.5"},
+      {"SetString new", "", on(&IniFile::IniSetString, " 7.25 x "), 1, "7.25 x:0:7:7.25"},
+      {"SetString new empty", "", on(&IniFile::IniSetString, ""), 1, "(null):0:0:0"},
+      {"SetString exists", p, on(&IniFile::IniSetString, " a b "), 1, " a b :0:3:3.75"},
+      {"SetString exists null", p, on(&IniFile::IniSetString, nullptr), 1, "(empty):0:3:3.75"},
+      {"SetBool new", "", on(&IniFile::IniSetBool, 5), 1, "(true):0:0:0"},
+      {"SetBool exists", p, on(&IniFile::IniSetBool, 0), 1, "(false):0:3:3.75"},
+      {"GetInt", p, on(&IniFile::IniGetInt, 99), 3, "3.75:1:3:3.75"},
+      {"GetFloat", p, on(&IniFile::IniGetFloat, 9.0f), 3.75, "3.75:2:3:3.75"},
+      {"GetString after SetInt", p, [](IniFile& i) {
+         char out[8];
+         i.IniSetInt("S", "k", 1);
+         i.IniGetString("S", "k", "d", out, sizeof out, 0);
+         return std::string(out) == "3.75"; }, 1, "3.75:0:1:3.75"},
+      {"GetBool of a number", p, on(&IniFile::IniGetBool, 7), 1, "3.75:1:3:3.75"},
+      {"GetBool of a word", "[S]\nk=tRuE\n", on(&IniFile::IniGetBool, 7), 1, "tRuE:0:0:0"},
+      {"GetBool of another word", "[S]\nk=yes\n", on(&IniFile::IniGetBool, 7), 0, "yes:1:0:0"},
+  };
+  for (const Row& row : rows) {
+    writeWholeFile("t.ini", row.file);
+    IniFile ini("t.ini", 0, 0);
+    EXPECT_EQ(row.act(ini), row.result) << row.name;
+    EXPECT_EQ(iniPicture(ini, true), "[S]k=" + std::string(row.views) + ";") << row.name;
+  }
+}
+
+// What each kind of key writes and a second read makes of it, under "C" and a decimal comma.
+TEST_F(IniFileTest, WritesEachKindAndReadsItBackInEitherLocale) {
+  const std::string written =
+      "[S]\nint=42\nfloat=1.250000\ntiny=0.000000\nthird=0.333333\ntext=a;b = c\npadded= y \n"
+      "empty=\nnull=\ncolor=0.5,0.25,2\non=TRUE\n\n[T]\noff=FALSE\n\n";
+  for (const char* locale : {"C", "comma"}) {
+    std::string why;
+    ASSERT_TRUE(locale[0] == 'C' || useCommaLocale(&why)) << why;
+    IniFile ini(nullptr, 0, 1);
+    ini.IniSetInt("S", "int", 42);
+    for (auto [key, value] : {std::pair{"float", 1.25f}, {"tiny", 4e-7f}, {"third", 1 / 3.0f}}) {
+      ini.IniSetFloat("S", key, value);
+    }
+    for (auto [key, text] : {std::pair<const char*, const char*>{"text", "a;b = c"},
+                             {"padded", "x"}, {"padded", " y "}, {"empty", ""}, {"null", "x"},
+                             {"null", nullptr}, {"color", "0.5,0.25,2"}}) {
+      ini.IniSetString("S", key, text);
+    }
+    ini.IniSetBool("S", "on", 1);
+    ini.IniSetBool("T", "off", 0);
+    ASSERT_EQ(ini.IniWrite("out"), 1);
+    EXPECT_EQ(readWholeFile("out.INI"), written) << locale;
+
+    IniFile back("out", 0, 0);
+    EXPECT_EQ(iniPicture(back, true),
+              "[S]int=42:0:42:42,float=1.250000:0:1:1.25,tiny=0.000000:0:0:0,"
+              "third=0.333333:0:0:0.333333,text=a;b = c:0:0:0,padded=y:0:0:0,empty=(null):0:0:0,"
+              "null=(null):0:0:0,color=0.5,0.25,2:0:0:0.5,on=TRUE:0:0:0;[T]off=FALSE:0:0:0;")
+        << locale;
+    EXPECT_NE(back.IniGetFloat("S", "third", 0), 1 / 3.0f) << "a neighbouring float";
+    char out[8];
+    back.IniGetString("S", "null", "default", out, sizeof out, 0);
+    EXPECT_STREQ(out, "");
+    EXPECT_EQ(back.IniGetBool("S", "on", 0) - back.IniGetBool("T", "off", 1), 1);
+    float color[3];
+    EXPECT_EQ(IniGetColor(color, &back, "S", "color"), 1);
+    EXPECT_EQ(color[0] + color[1] * 10 + color[2] * 100, 103.0f) << locale;
+    // Written back, the file loses only the blanks that were trimmed.
+    ASSERT_EQ(back.IniWrite(nullptr), 1);
+    std::string normalised = written;
+    normalised.replace(normalised.find("padded= y "), 10, "padded=y");
+    EXPECT_EQ(readWholeFile("out.INI"), normalised) << locale;
+  }
+}
+
+// With `room` bytes left, a set that needs more reports 0, traced, and changes nothing.
+TEST_F(IniFileTest, RefusesSetsAtTheFullArenaAndKeepsWhatItHas) {
+  TraceCapture trace;
+  struct Row { const char* name; std::int32_t room; Act set; const char* traced; } rows[] = {
+      {"value fits, name doesn't", 6, [](IniFile& i) { return i.IniSetString("S", "k2", "abcd"); },
+       "key name k2"},
+      {"string value", 1, [](IniFile& i) { return i.IniSetString("S", "n", "x"); }, "x"},
+      {"int name", 1, [](IniFile& i) { return i.IniSetInt("S", "k3", 1); }, "k3"},
+      {"bool name", 1, [](IniFile& i) { return i.IniSetBool("S", "k4", 1); }, "key name k4"},
+      {"section name", 5, [](IniFile& i) { return i.IniSetInt("New", "q", 1); }, "New"},
+      {"a shorter name fits", 5, [](IniFile& i) { return i.IniSetInt("S", "q", 1); }, nullptr},
+      {"bool over a key", 1, [](IniFile& i) { return i.IniSetBool("s", "N", 1); }, nullptr},
+  };
+  for (const Row& row : rows) {
+    IniFile ini(nullptr, 0, 1);
+    ASSERT_EQ(ini.IniSetString("S", "fill", "x") + ini.IniSetInt("S", "n", 1), 2);
+    std::string fill(ini.pool.FreeSpace() - row.room - 1, 'f');
+    ASSERT_EQ(ini.IniSetString("S", "fill", fill.c_str()), 1);
+    ASSERT_EQ(ini.pool.FreeSpace(), row.room);
+    std::string before = iniPicture(ini, true);
+    std::int64_t blocks = LiveBlocks();
+    EXPECT_EQ(row.set(ini), row.traced ? 0 : 1) << row.name;
+    if (!row.traced) continue;
+    EXPECT_TRUE(trace.Has("MSG|Unable to append string " + std::string(row.traced) +
+                          " to the buffer!")) << row.name;
+    EXPECT_TRUE(iniPicture(ini, true) == before) << row.name;
+    EXPECT_EQ(LiveBlocks(), blocks) << row.name;
+  }
+}
+
+TEST_F(IniFileTest, SetsThroughEveryFailedAllocation) {
+  TraceCapture trace;
+  struct Row { const char* name; int result; const char* picture; std::int64_t kept; } rows[] = {
+      {"the key record", 0, "[S];", 0},          {"the section record", 0, "[S];", 0},
+      {"the section's node", 0, "[S];", 0},      {"the key's node: key lost", 1, "[S];[New];", 2},
+      {"nothing", 1, "[S];[New]q=(null);", 4},
+  };
+  writeWholeFile("t.ini", "[S]\n");
+  for (std::int64_t n = 1; n <= 5; n++) {
+    const Row& row = rows[n - 1];
+    IniFile ini("t.ini", 0, 0);
+    std::int64_t before = LiveBlocks();
+    hostHeapFailNth(n);
+    EXPECT_EQ(ini.IniSetInt("New", "q", 1), row.result) << row.name;
+    hostHeapFailNth(0);
+    EXPECT_EQ(iniPicture(ini), row.picture) << row.name;
+    EXPECT_EQ(LiveBlocks() - before, row.kept) << row.name;
+  }
+  EXPECT_TRUE(trace.Has("MSG|Unable to append section New to the list!"));
+}
+
+}  // namespace
