@@ -1,42 +1,61 @@
-// Test support: builds catalog archives byte by byte, well-formed or deliberately broken.
+// Test support: catalog archives built byte by byte, well-formed or deliberately broken.
 #pragma once
 #include <cstdint>
+#include <fstream>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 // Little-endian 32-bit field.
-void appendU32(std::string& bytes, std::uint32_t value);
-// The 28-byte header: the first four bytes of `magic` (NUL-padded), 12 reserved bytes, counts.
-std::string catalogHeader(const std::string& magic, std::int32_t fileCount,
-                          std::int32_t extensionCount, std::uint32_t dataSize);
-// One file table entry: offset, length, then the field bytes exactly as given.
-std::string catalogFileEntry(std::uint32_t offset, std::int32_t length, const std::string& field);
-// One extension table entry: length, then the field bytes exactly as given.
-std::string catalogExtensionEntry(std::int32_t length, const std::string& field);
+inline std::string le32(std::uint32_t value) {
+  std::string bytes;
+  for (int shift = 0; shift < 32; shift += 8) bytes.push_back(static_cast<char>(value >> shift));
+  return bytes;
+}
 
-// A well-formed catalog: the files end to end behind the two tables, in the order added. The
-// extension table lists each distinct extension of the files' names unless some were given.
+// The 28-byte header: `magic` cut or NUL-padded to 4 bytes, 12 reserved bytes, the counts.
+inline std::string catalogHeader(const std::string& magic, std::int32_t fileCount,
+                                 std::int32_t extensionCount, std::uint32_t dataSize) {
+  return (magic + std::string(16, '\0')).substr(0, 4) + std::string(12, '\0') + le32(fileCount) +
+         le32(extensionCount) + le32(dataSize);
+}
+
+// A table's text field: the declared length, then the bytes as given, whether or not they agree.
+inline std::string catalogField(std::int32_t length, const std::string& bytes) {
+  return le32(length) + bytes;
+}
+
+// A well-formed catalog: the files end to end behind the two tables, in the order added; the
+// extension table holds each extension of the names once.
 class CatalogWriter {
  public:
-  struct File {
-    std::string name;
-    std::string bytes;
-  };
-
-  CatalogWriter& Add(const std::string& name, const std::string& bytes);
-  CatalogWriter& AddExtension(const std::string& extension);
-  // The whole catalog.
-  std::string Bytes() const;
-  // Offset of each file's first byte within Bytes().
-  std::vector<std::uint32_t> Offsets() const;
-  // Bytes from the start of the catalog to the end of the tables.
-  std::uint32_t TablesEnd() const;
-  void WriteTo(const std::string& path) const;
-
-  const std::vector<File>& files() const { return files_; }
-  std::vector<std::string> Extensions() const;
+  CatalogWriter& Add(const std::string& name, const std::string& bytes) {
+    files_.emplace_back(name, bytes);
+    return *this;
+  }
+  std::string Bytes() const {
+    std::set<std::string> extensions;
+    std::size_t tablesEnd = 28;
+    for (const auto& [name, bytes] : files_) {
+      tablesEnd += 8 + name.size() + 1;
+      if (auto dot = name.rfind('.'); dot != std::string::npos)
+        extensions.insert(name.substr(dot + 1));
+    }
+    std::string fileTable, extensionTable, data;
+    for (const std::string& e : extensions) extensionTable += catalogField(e.size() + 1, e + '\0');
+    tablesEnd += extensionTable.size();
+    for (const auto& [name, bytes] : files_) {
+      fileTable += le32(tablesEnd + data.size()) + catalogField(name.size() + 1, name + '\0');
+      data += bytes;
+    }
+    return catalogHeader("CAT", files_.size(), extensions.size(), data.size()) + fileTable +
+           extensionTable + data;
+  }
+  void WriteTo(const std::string& path) const {
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << Bytes();
+  }
 
  private:
-  std::vector<File> files_;
-  std::vector<std::string> extensions_;
+  std::vector<std::pair<std::string, std::string>> files_;
 };
