@@ -118,7 +118,10 @@ void fmgSetFileExtension(const char* path, const char* extension, char* output, 
 }
 
 void fmgGetCurrentDirectory(char* buffer, int size) {
-  if (buffer) hostGetCurrentDirectory(buffer, size);
+  if (buffer && !hostGetCurrentDirectory(buffer, size)) {
+    dbgTrace("fmgGetCurrentDirectory: the working directory has no system path that fits, "
+             "buffer cleared.");
+  }
 }
 
 int fmgSetCurrentDirectory(const char* directory) {

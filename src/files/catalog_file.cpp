@@ -10,6 +10,12 @@
 
 namespace {
 
+// The array owns its items here: each goes back to the heap before the array is emptied.
+void freeItemsAndClear(GrowArray* list) {
+  for (std::int32_t i = 0; i < list->count; i++) memFree(list->data[i]);
+  list->Clear();
+}
+
 constexpr std::int32_t kMaxPosition = 0x7FFFFFFF;
 
 std::uint32_t decodeU32(const std::uint8_t* bytes) {
@@ -65,7 +71,8 @@ CatalogFile::~CatalogFile() {
 }
 
 int CatalogFile::Load(const char* catalogPath) {
-  if (handle != -1) Unload();
+  // A failed load can leave entries behind without a descriptor; they go too.
+  if (handle != -1 || headerList.count > 0 || extensionList.count > 0) Unload();
   path[0] = '\0';
 
   std::int32_t descriptor = hostFileOpenRead(catalogPath, HostAccess::kRandom);
@@ -199,17 +206,8 @@ void CatalogFile::Unload() {
   }
   lastReader = -1;
   nextHandle = 1;
-  for (extensionList.MoveFirst();
-       extensionList.current >= 0 && extensionList.current < extensionList.count;
-       extensionList.MoveNext()) {
-    memFree(extensionList.data[extensionList.current]);
-  }
-  extensionList.Clear();
-  for (headerList.MoveFirst(); headerList.current >= 0 && headerList.current < headerList.count;
-       headerList.MoveNext()) {
-    memFree(headerList.data[headerList.current]);
-  }
-  headerList.Clear();
+  freeItemsAndClear(&extensionList);
+  freeItemsAndClear(&headerList);
   if (handle != -1) {
     hostFileClose(handle);
     handle = -1;

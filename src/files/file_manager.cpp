@@ -161,9 +161,12 @@ std::int32_t FileManager::SeekFile(std::int32_t handle, std::int32_t offset, std
   FileHandleRecord* record = recordAt(openFiles);
   if (record->catalog) return record->catalog->SeekFoundFile(record, offset, origin);
   if (record->handle == -1) return 0;
+  std::int64_t before = hostFileSeek(record->handle, 0, 1);
   std::int64_t position = hostFileSeek(record->handle, offset, origin);
-  // A position the signed 32-bit result can't carry is reported as a failure.
-  return position > kMaxPosition ? -1 : static_cast<std::int32_t>(position);
+  if (position <= kMaxPosition) return static_cast<std::int32_t>(position);
+  // The signed 32-bit result can't carry this position: a failure, so the file stays put.
+  hostFileSeek(record->handle, before, 0);
+  return -1;
 }
 
 std::int32_t FileManager::CreateFile(const char* name) {

@@ -13,8 +13,8 @@ namespace {
 
 constexpr std::uint32_t kMaxTransfer = 0x7FFFFFFF;
 
-// A system path turned into the host's form for one call. Paths longer than the host allows
-// leave it invalid, and the call fails as the host would.
+// A system path turned into the host's form for one call. A path that no system path buffer
+// holds (kHostPathSize bytes or more) leaves it invalid, and the call fails.
 class HostPath {
  public:
   explicit HostPath(const char* path) {
@@ -29,7 +29,7 @@ class HostPath {
   const char* text() const { return text_; }
 
  private:
-  char text_[PATH_MAX];
+  char text_[kHostPathSize];
   bool valid_ = false;
 };
 
@@ -45,6 +45,12 @@ std::int32_t hostFileOpenRead(const char* path, HostAccess access) {
     descriptor = open(hostPath.text(), openFlagsOf(O_RDONLY));
   } while (descriptor < 0 && errno == EINTR);
   if (descriptor < 0) return -1;
+  // A directory opens for reading here, but it is no file to read.
+  struct stat status;
+  if (fstat(descriptor, &status) != 0 || S_ISDIR(status.st_mode)) {
+    close(descriptor);
+    return -1;
+  }
   posix_fadvise(descriptor, 0, 0,
                 access == HostAccess::kRandom ? POSIX_FADV_RANDOM : POSIX_FADV_SEQUENTIAL);
   return descriptor;

@@ -295,3 +295,16 @@ TEST_F(IniFileTest, SetsThroughEveryFailedAllocation) {
 }
 
 }  // namespace
+
+TEST_F(IniFileTest, CountsTheUnbrokenRunOfNumberedSections) {
+  const std::string prefix(258, 'p');  // names fit 260 bytes for one digit, not for two
+  std::string text = "[G001]\n[g002]\n[G004]\n[G3]\n[X-1]\n[X-2]\n";
+  for (int n = 1; n <= 10; n++) text += "[" + prefix + std::to_string(n) + "]\n";
+  writeWholeFile("count.ini", text);
+  IniFile ini("count.ini", 0, 0);
+  struct Case { std::string format; int count; } cases[] = {
+      {"G%03d", 2}, {"G%d", 0}, {"X%+d", 0}, {"X-%i", 2}, {prefix + "%d", 9}, {"G001", 0},
+      {"G%03d%d", 0}, {"G%s", 0},
+  };
+  for (const Case& c : cases) EXPECT_EQ(ini.IniCountSections(c.format.c_str()), c.count) << c.format;
+}

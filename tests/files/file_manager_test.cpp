@@ -218,3 +218,18 @@ TEST_F(FileManagerThreads, TwoReadersOfOneCatalogEachGetTheirOwnBytes) {
   EXPECT_EQ(gotLeft, left + left + left);
   EXPECT_EQ(gotRight, right + right + right);
 }
+
+TEST_F(FileManagerTest, DiskRefusalsLeaveNothingMoved) {
+  std::filesystem::create_directory(dir_.file("folder.ini"));
+  EXPECT_EQ(gFMG->OpenFile("folder.ini"), -1) << "a directory is no file to read";
+  EXPECT_EQ(gFMG->OpenCatalog(At(std::string(300, 'c')).c_str()), 0) << "a path past 259 bytes";
+  writeWholeFile(dir_.file("d.bin"), "0123456789");
+  std::int32_t handle = gFMG->OpenFile("d.bin");
+  ASSERT_NE(handle, -1);
+  EXPECT_EQ(gFMG->SeekFile(handle, 4, 0), 4);
+  EXPECT_EQ(gFMG->SeekFile(handle, 0x7FFFFFFF, 1), -1) << "past what the result can carry";
+  char byte = 0;
+  EXPECT_EQ(gFMG->ReadFile(handle, &byte, 1), 1);
+  EXPECT_EQ(byte, '4');
+  gFMG->CloseFile(handle);
+}
