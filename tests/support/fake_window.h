@@ -1,84 +1,126 @@
-// Test support: a scripted main window that records every call made across the window seam.
+// Test support: a scripted main window that records the calls made across the window seam.
 #pragma once
+#include <gtest/gtest.h>
+#include <strings.h>
+
+#include <algorithm>
 #include <array>
-#include <deque>
 #include <functional>
 #include <string>
 #include <vector>
 
 #include "shell/window_seam.h"
 
-// Behaves as a single-selection list control with four cells a row, and answers the modal
-// parts (edit form, three-way question, file choosers) from queues the test fills. A modal call
-// with no scripted answer is a test failure and answers as a cancel would.
-//
-// Each call is appended to `calls` in a readable form:
-//   "SelectedCount", "FirstSelectedRow", "RowCount", "FindRow Alpha", "ReadCell 0 1",
-//   "DeleteRow 0", "DeleteAllRows", "InsertRow 0 Alpha", "SetCell 0 1 20.0", "SelectRow 2",
-//   "EditForm Alpha" (the type name the form held on entry; "EditForm" for an empty one),
-//   "Message ERROR!|text", "Ask Tessarine|text", "Open", "Save ini" (the default extension),
-//   "Caption a.ini", "Repaint", "GetPlacement",
-//   "SetPlacement left top right bottom showCmd flags".
-// The queries are recorded too, so a test that compares whole call lists usually filters
-// them out with Calls(prefixes) instead.
+// A single-selection list control of four cells a row; the modal parts answer from queues the
+// test fills, an unscripted one failing the test and cancelling. `calls` records, for instance,
+// "InsertRow 0 Alpha", "Message CAP|TEXT", "Ask CAP|TEXT", "Open PROPOSED", "Save ini PROPOSED".
 class FakeWindow : public ShellWindow {
  public:
-  struct Choice {
-    bool chosen = false;
-    std::string path;   // given back when chosen; backslash form, as the real chooser gives
-    std::string title;  // the name without its directory
-  };
   using Form = std::function<int(EditGunDialog*)>;
 
   std::vector<std::array<std::string, 4>> rows;
   int selected = -1;
-  std::vector<std::string> calls;
-
-  std::deque<int> answers;         // for AskYesNoCancel
-  std::deque<Choice> openChoices;  // for ChooseOpenFile
-  std::deque<Choice> saveChoices;  // for ChooseSaveFile
-  std::deque<Form> forms;          // for RunEditForm
-
-  std::vector<std::string> messages;  // the texts of ShowMessage, in order
-  std::vector<std::string> questions;  // the texts of AskYesNoCancel, in order
-  std::vector<std::string> proposed;   // what `path` held on entry to each chooser, in order
-  std::string lastFilter;              // the last chooser's filter, its NULs included
+  std::vector<std::string> calls, messages;
+  std::vector<int> answers;
+  std::vector<std::string> choices;  // for both choosers: a backslash path, or "" to cancel
+  std::vector<Form> forms;
   std::string caption;
-  WindowPlacement placement = {44, 0, 1, 0, 0, 400, 300};
+  WindowPlacement placement = {44, 0, 1, 100, 50, 500, 350};
 
-  // Adds a row at the end with the given cells, without recording a call.
-  void AddRowText(const std::string& c0, const std::string& c1 = "", const std::string& c2 = "",
-                  const std::string& c3 = "");
-  // The cells of a row joined by '|'.
-  std::string RowText(int row) const;
-  // The type names (cell 0) of all rows.
-  std::vector<std::string> Names() const;
+  std::string RowText(int row) const {  // the cells joined by '|'
+    const auto& cells = rows.at(row);
+    return cells[0] + "|" + cells[1] + "|" + cells[2] + "|" + cells[3];
+  }
+  std::vector<std::string> Names() const {  // cell 0 of each row
+    std::vector<std::string> names;
+    for (const auto& cells : rows) names.push_back(cells[0]);
+    return names;
+  }
   // The recorded calls that begin with one of the prefixes, in order.
-  std::vector<std::string> Calls(const std::vector<std::string>& prefixes) const;
+  std::vector<std::string> Calls(const std::vector<std::string>& prefixes) const {
+    std::vector<std::string> out;
+    for (const auto& call : calls) {
+      auto starts = [&](const std::string& prefix) { return call.rfind(prefix, 0) == 0; };
+      if (std::any_of(prefixes.begin(), prefixes.end(), starts)) out.push_back(call);
+    }
+    return out;
+  }
 
-  int SelectedCount() override;
-  int FirstSelectedRow() override;
-  int RowCount() override;
-  int FindRow(const char* text) override;
-  int ReadCell(int row, int cell, char* buffer) override;
-  void DeleteRow(int row) override;
-  void DeleteAllRows() override;
-  void InsertRow(int row, const char* text) override;
-  void SetCell(int row, int cell, const char* text) override;
-  void SelectRow(int row) override;
-  int RunEditForm(EditGunDialog* form) override;
-  void ShowMessage(const char* caption, const char* text) override;
-
-  int AskYesNoCancel(const char* caption, const char* text) override;
-  int ChooseOpenFile(char* path, char* title, const char* filter) override;
-  int ChooseSaveFile(char* path, char* title, const char* filter,
-                     const char* defaultExtension) override;
-  void SetCaption(const char* text) override;
-  void Repaint() override;
-  void GetPlacement(WindowPlacement* placement) override;
-  void SetPlacement(const WindowPlacement* placement) override;
+  int SelectedCount() override { return selected >= 0; }
+  int FirstSelectedRow() override { return selected; }
+  int RowCount() override { return static_cast<int>(rows.size()); }
+  int FindRow(const char* text) override {
+    for (int i = 0; i < RowCount(); ++i) {
+      if (strcasecmp(rows[i][0].c_str(), text) == 0) return i;
+    }
+    return -1;
+  }
+  int ReadCell(int row, int cell, char* buffer) override {
+    if (!Has(row) || cell < 0 || cell > 3) return 0;
+    Copy(rows[row][cell], buffer, kCellSize);  // cut, as a control does
+    return 1;
+  }
+  void DeleteRow(int row) override {
+    if (!Has(row)) return;
+    rows.erase(rows.begin() + row);
+    if (selected >= row) selected = selected == row ? -1 : selected - 1;
+  }
+  void DeleteAllRows() override { rows.clear(), selected = -1; }
+  void InsertRow(int row, const char* text) override {
+    calls.push_back("InsertRow " + std::to_string(row) + " " + text);
+    row = std::clamp(row, 0, RowCount());  // past the end appends, as a control does
+    rows.insert(rows.begin() + row, {text, "", "", ""});
+    if (selected >= row) ++selected;
+  }
+  void SetCell(int row, int cell, const char* text) override {
+    if (Has(row) && cell >= 1 && cell <= 3) rows[row][cell] = text;
+  }
+  void SelectRow(int row) override { selected = Has(row) ? row : selected; }
+  int RunEditForm(EditGunDialog* form) override {
+    return Next<Form>(&forms, "edit form", [](EditGunDialog*) { return kCancelled; })(form);
+  }
+  void ShowMessage(const char* caption, const char* text) override {
+    calls.push_back(std::string("Message ") + caption + "|" + text);
+    messages.push_back(text);
+  }
+  int AskYesNoCancel(const char* caption, const char* text) override {
+    calls.push_back(std::string("Ask ") + caption + "|" + text);
+    return Next(&answers, text, kCancel);
+  }
+  int ChooseOpenFile(char* path, char* title, const char*) override {
+    return Choose("Open ", path, title);
+  }
+  int ChooseSaveFile(char* path, char* title, const char*, const char* extension) override {
+    return Choose(std::string("Save ") + extension + " ", path, title);
+  }
+  void SetCaption(const char* text) override { calls.push_back("Caption " + (caption = text)); }
+  void Repaint() override { calls.push_back("Repaint"); }
+  void GetPlacement(WindowPlacement* out) override {
+    EXPECT_EQ(out->length, 44) << "the length must be set before the placement is read";
+    *out = placement;
+  }
+  void SetPlacement(const WindowPlacement* in) override { placement = *in; }
 
  private:
-  int Choose(std::deque<Choice>* queue, const char* what, char* path, char* title,
-             const char* filter);
+  bool Has(int row) const { return row >= 0 && row < static_cast<int>(rows.size()); }
+  static void Copy(const std::string& text, char* buffer, size_t size) {
+    buffer[text.copy(buffer, size - 1)] = '\0';
+  }
+  // Takes the next scripted answer, or fails the test and gives `none`.
+  template <typename T>
+  static T Next(std::vector<T>* queue, const std::string& what, T none) {
+    if (queue->empty()) ADD_FAILURE() << what << " with no scripted answer";
+    if (queue->empty()) return none;
+    T answer = std::move(queue->front());
+    queue->erase(queue->begin());
+    return answer;
+  }
+  int Choose(const std::string& call, char* path, char* title) {
+    calls.push_back(call + path);
+    std::string chosen = Next(&choices, call + "chooser", std::string());
+    if (chosen.empty()) return 0;
+    Copy(chosen, path, kPathSize);
+    Copy(chosen.substr(chosen.rfind('\\') + 1), title, kPathSize);  // without its directory
+    return 1;
+  }
 };
