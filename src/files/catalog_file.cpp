@@ -48,6 +48,27 @@ int readTextField(std::int32_t descriptor, std::int32_t length, char* text) {
   return 1;
 }
 
+// Reads the length word and then the text of entry `index` of a table whose entries are called
+// `what` ("filename", "extension"); traces the documented words and gives 0 on a failure.
+int readTableText(std::int32_t descriptor, const char* catalogPath, const char* what,
+                  std::int32_t index, char* text) {
+  std::uint32_t rawLength;
+  if (!readU32(descriptor, &rawLength)) {
+    dbgTrace("Error while reading catalog %s: unable to read %s %d!", catalogPath, what, index);
+    return 0;
+  }
+  auto length = static_cast<std::int32_t>(rawLength);
+  if (length < 0 || length >= CatalogFile::kNameSize) {
+    dbgTrace("Error while reading catalog %s: invalid %s length %d!", catalogPath, what, length);
+    return 0;
+  }
+  if (!readTextField(descriptor, length, text)) {
+    dbgTrace("Error while reading catalog %s: unable to read %s %d!", catalogPath, what, index);
+    return 0;
+  }
+  return 1;
+}
+
 const char* shown(const char* text) { return text ? text : ""; }
 
 }  // namespace
@@ -119,21 +140,12 @@ int CatalogFile::LoadFileTable(std::int32_t descriptor, const char* catalogPath)
   char name[kNameSize];
   for (std::int32_t i = 0; i < header.fileCount; i++) {
     std::uint32_t offset;
-    std::uint32_t rawLength;
-    // A table cut inside these fields is cut before this entry's name.
-    if (!readU32(descriptor, &offset) || !readU32(descriptor, &rawLength)) {
+    // A table cut inside the offset is cut before this entry's name.
+    if (!readU32(descriptor, &offset)) {
       dbgTrace("Error while reading catalog %s: unable to read filename %d!", catalogPath, i);
       return 0;
     }
-    auto length = static_cast<std::int32_t>(rawLength);
-    if (length < 0 || length >= kNameSize) {
-      dbgTrace("Error while reading catalog %s: invalid filename length %d!", catalogPath, length);
-      return 0;
-    }
-    if (!readTextField(descriptor, length, name)) {
-      dbgTrace("Error while reading catalog %s: unable to read filename %d!", catalogPath, i);
-      return 0;
-    }
+    if (!readTableText(descriptor, catalogPath, "filename", i, name)) return 0;
     auto* entry = static_cast<CatalogFileHeader*>(memAlloc(sizeof(CatalogFileHeader)));
     if (!entry) {
       dbgTrace("Unable to allocate memory for catalog header!");
@@ -170,20 +182,7 @@ int CatalogFile::LoadExtensionTable(std::int32_t descriptor, const char* catalog
 
   char text[kNameSize];
   for (std::int32_t i = 0; i < header.extensionCount; i++) {
-    std::uint32_t rawLength;
-    if (!readU32(descriptor, &rawLength)) {
-      dbgTrace("Error while reading catalog %s: unable to read extension %d!", catalogPath, i);
-      return 0;
-    }
-    auto length = static_cast<std::int32_t>(rawLength);
-    if (length < 0 || length >= kNameSize) {
-      dbgTrace("Error while reading catalog %s: invalid extension length %d!", catalogPath, length);
-      return 0;
-    }
-    if (!readTextField(descriptor, length, text)) {
-      dbgTrace("Error while reading catalog %s: unable to read extension %d!", catalogPath, i);
-      return 0;
-    }
+    if (!readTableText(descriptor, catalogPath, "extension", i, text)) return 0;
     auto* extension = static_cast<char*>(memAlloc(kExtensionSize));
     if (!extension) {
       dbgTrace("Unable to allocate memory for catalog extension!");

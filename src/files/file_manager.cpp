@@ -119,9 +119,7 @@ std::int32_t FileManager::AddFileHandle(std::int32_t descriptor) {
 std::int32_t FileManager::OpenFile(const char* name) {
   SpinLockGuard guard(lock);
   if (strIsEmpty(name)) return -1;
-  char fullPath[kPathSize];
-  fmgCheckFilePath(searchDirectory, name, fullPath, kPathSize);
-  std::int32_t descriptor = hostFileOpenRead(fullPath, HostAccess::kSequential);
+  std::int32_t descriptor = OpenOnDisk(name);
   if (descriptor >= 0) return AddFileHandle(descriptor);
 
   CatalogFile* catalog = FindInCatalogs(name);
@@ -209,12 +207,16 @@ std::int32_t FileManager::WriteFile(std::int32_t handle, const void* buffer, std
   return hostFileWrite(record->handle, buffer, count);
 }
 
+std::int32_t FileManager::OpenOnDisk(const char* name) {
+  char fullPath[kPathSize];
+  fmgCheckFilePath(searchDirectory, name, fullPath, kPathSize);
+  return hostFileOpenRead(fullPath, HostAccess::kSequential);
+}
+
 int FileManager::FileExists(const char* name, std::int32_t diskOnly) {
   SpinLockGuard guard(lock);
   if (strIsEmpty(name)) return 0;
-  char fullPath[kPathSize];
-  fmgCheckFilePath(searchDirectory, name, fullPath, kPathSize);
-  std::int32_t descriptor = hostFileOpenRead(fullPath, HostAccess::kSequential);
+  std::int32_t descriptor = OpenOnDisk(name);
   if (descriptor >= 0) {
     hostFileClose(descriptor);
     return 1;
@@ -226,9 +228,7 @@ int FileManager::FileExists(const char* name, std::int32_t diskOnly) {
 std::uint32_t FileManager::GetFileSize(const char* name) {
   SpinLockGuard guard(lock);
   if (strIsEmpty(name)) return 0;
-  char fullPath[kPathSize];
-  fmgCheckFilePath(searchDirectory, name, fullPath, kPathSize);
-  std::int32_t descriptor = hostFileOpenRead(fullPath, HostAccess::kSequential);
+  std::int32_t descriptor = OpenOnDisk(name);
   if (descriptor >= 0) {
     std::int64_t size = 0;
     hostFileStat(descriptor, &size);

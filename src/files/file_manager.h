@@ -115,6 +115,8 @@ class FileManager : public FileInterface {
   SpinLock lock{0, 5};
 
  private:
+  // The name in the search directory opened for reading: a descriptor, or -1.
+  std::int32_t OpenOnDisk(const char* name);
   std::int32_t AddFileHandle(std::int32_t descriptor);
   int FindHandle(std::int32_t handle);
   int FindCatalog(const char* path);
