@@ -17,84 +17,52 @@ void traceTagged(DebugSystem& log, const char* tag, int level, const char* forma
   va_end(args);
 }
 
-// A log with the switch on, writing to `path` once per line (mode 1).
-struct SwitchedLog {
-  explicit SwitchedLog(const std::string& path) {
+}  // namespace
+
+// A log made with the switch on, writing to `path`.
+class DebugLogTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
     dbgSetLogSwitch(1);
     log.Init(path.c_str());
     dbgSetLogSwitch(0);
   }
+  TempDir dir;
+  std::string path = dir.file("log.txt");
   DebugSystem log;
 };
 
-}  // namespace
-
-TEST(DebugSystem, ProgramConfigurationWritesNothing) {
-  TempDir dir;
-  std::string path = dir.file("debug.out");
-  DebugSystem log;
-  log.Init(path.c_str());
-  EXPECT_EQ(log.active, 0);
-  EXPECT_STREQ(log.fileName, "");
-  log.SetThreshold(0);
-  log.SetMode(1);
-  EXPECT_EQ(log.threshold, 0);
-  EXPECT_EQ(log.mode, 1);
-  log.Trace(3, "nothing %d", 1);
-  EXPECT_FALSE(std::ifstream(path).good());
+TEST_F(DebugLogTest, ProgramConfigurationWritesNothing) {
+  DebugSystem quiet;
+  quiet.Init(dir.file("quiet.txt").c_str());  // the switch is off, as in the program
+  EXPECT_STREQ(quiet.fileName, "");
+  quiet.SetThreshold(0);
+  quiet.SetMode(1);
+  quiet.Trace(3, "nothing %d", 1);
+  EXPECT_FALSE(std::ifstream(dir.file("quiet.txt")).good());
 }
 
-TEST(DebugSystem, ThresholdLevelsAndLineFormats) {
-  TempDir dir;
-  std::string path = dir.file("log.txt");
-  SwitchedLog switched(path);
-  DebugSystem& log = switched.log;
-  log.SetMode(1);
-  log.Trace(3, "default threshold writes nothing");
-  log.SetThreshold(2);
-  log.Trace(0, "trace");
-  log.Trace(1, "message");
-  log.Trace(2, "warning %d", 2);
-  log.Trace(3, "error %s", "x");
-  log.Trace(4, "off");
-  traceTagged(log, "FMG", 3, "tagged %d%%", 100);
-  traceTagged(log, "FMG", 1, "below the threshold");
-  EXPECT_EQ(readWholeFile(path), "WRN|warning 2\nERR|error x\nOFF|off\nERR|(FMG) tagged 100%\n");
-  log.Shutdown();
-  EXPECT_EQ(log.active, 0);
-  log.Trace(3, "after shutdown");
-  EXPECT_EQ(readWholeFile(path).find("after"), std::string::npos);
-}
-
-TEST(DebugSystem, ModeZeroWritesToAnOpenStreamOnlyAndModeOneClosesIt) {
-  TempDir dir;
-  std::string path = dir.file("log.txt");
-  SwitchedLog switched(path);
-  DebugSystem& log = switched.log;
+TEST_F(DebugLogTest, ModeZeroNeedsAnOpenStreamAndModeOneClosesIt) {
   log.SetThreshold(0);
   log.Trace(1, "no stream yet");
   EXPECT_EQ(readWholeFile(path), "");
   log.stream = std::fopen(path.c_str(), "a");
   log.Trace(1, "flushed %s", "at once");
-  EXPECT_EQ(readWholeFile(path), "MSG|flushed at once\n");  // fflush per line
-  log.SetMode(0);
-  EXPECT_NE(log.stream, nullptr);
+  EXPECT_EQ(readWholeFile(path), "MSG|flushed at once\n");  // flushed per line
   log.SetMode(1);
   EXPECT_EQ(log.stream, nullptr);
-  log.fileName[0] = '\0';
-  log.Trace(1, "mode 1 with no name and no stream");
-  EXPECT_EQ(readWholeFile(path), "MSG|flushed at once\n");
+  log.Trace(3, "%s", std::string(3000, 'y').c_str());  // cut inside the 1024-byte line buffer
+  EXPECT_EQ(readWholeFile(path), "MSG|flushed at once\nERR|" + std::string(1019, 'y'));
 }
 
-TEST(DebugSystem, LongMessageIsCutInsideTheLineBuffer) {
-  TempDir dir;
-  std::string path = dir.file("log.txt");
-  SwitchedLog switched(path);
-  switched.log.SetThreshold(0);
-  switched.log.SetMode(1);
-  std::string longText(3000, 'y');
-  switched.log.Trace(1, "%s", longText.c_str());
-  std::string written = readWholeFile(path);
-  EXPECT_EQ(written.size(), 1023u);
-  EXPECT_EQ(written.substr(0, 5), "MSG|y");
+TEST_F(DebugLogTest, ThresholdLevelsAndLineFormats) {
+  log.SetMode(1);
+  log.Trace(3, "default threshold writes nothing");
+  log.SetThreshold(2);
+  for (int level = 0; level <= 4; level++) log.Trace(level, "level %d", level);
+  traceTagged(log, "FMG", 3, "tagged %d%%", 100);
+  traceTagged(log, "FMG", 1, "below the threshold");
+  log.Shutdown();
+  log.Trace(3, "after shutdown");
+  EXPECT_EQ(readWholeFile(path), "WRN|level 2\nERR|level 3\nOFF|level 4\nERR|(FMG) tagged 100%\n");
 }

@@ -8,37 +8,31 @@
 #include "gun/gun_list.h"
 #include "kernel_fixture.h"
 
+using Names = std::vector<std::string>;
+
 class GunTest : public KernelTest {
  protected:
   void TearDown() override {
     GunListEmpty(&window);
     KernelTest::TearDown();
   }
-
-  // Scripts the next edit form to accept with these values (weights in grams).
-  void AcceptForm(const std::string& name, float caliber = 20, float rof = 600,
-                  float muzzleVel = 800) {
+  // Scripts the next edit form to accept this name with caliber 20, ROF 600, MuzzleVel 800.
+  void AcceptForm(const std::string& name) {
     window.forms.push_back([=](EditGunDialog* form) {
       std::snprintf(form->TypeName, sizeof form->TypeName, "%s", name.c_str());
-      form->Caliber = caliber;
-      form->ROF = rof;
-      form->MuzzleVel = muzzleVel;
+      form->Caliber = 20, form->ROF = 600, form->MuzzleVel = 800;
       return 1;
     });
   }
-  void CancelForm() {
-    window.forms.push_back([](EditGunDialog*) { return GunListView::kCancelled; });
-  }
-  // Adds guns through New Gun, accepted with the default numbers.
-  void AddGuns(const std::vector<std::string>& names) {
+  void AddGuns(const Names& names) {  // through New Gun
     for (const std::string& name : names) {
       AcceptForm(name);
       ASSERT_EQ(OnNewGun(&window), 1) << name;
     }
   }
-  // The type names of GunList in list order; also checks that the rows show the same.
-  std::vector<std::string> ListNames() {
-    std::vector<std::string> names;
+  // The type names of GunList in list order, checking that the rows show the same.
+  Names ListNames() {
+    Names names;
     for (GunList.MoveFirst(); GunList.current; GunList.MoveNext()) {
       names.push_back(static_cast<GunData*>(GunList.current->payload)->TypeName);
     }
@@ -49,8 +43,5 @@ class GunTest : public KernelTest {
     GunList.MoveToIndex(index);
     return static_cast<GunData*>(GunList.current->payload);
   }
-
   FakeWindow window;
 };
-
-using Names = std::vector<std::string>;

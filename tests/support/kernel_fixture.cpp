@@ -27,19 +27,14 @@ void KernelTest::TearDown() {
 std::int64_t KernelTest::LiveBlocks() { return gMEM ? hostHeapLiveBlocks(gMEM->heap) : 0; }
 
 TempDir::TempDir() {
-  std::string pattern = (std::filesystem::temp_directory_path() / "tessarine-XXXXXX").string();
-  std::vector<char> buffer(pattern.begin(), pattern.end());
-  buffer.push_back('\0');
-  if (!mkdtemp(buffer.data())) std::abort();
-  path_ = buffer.data();
+  path_ = (std::filesystem::temp_directory_path() / "tessarine-XXXXXX").string();
+  if (!mkdtemp(path_.data())) std::abort();
 }
 
 TempDir::~TempDir() {
   std::error_code ignored;
   std::filesystem::remove_all(path_, ignored);
 }
-
-std::string TempDir::file(const std::string& name) const { return path_ + "/" + name; }
 
 TraceCapture::TraceCapture() : file_(dir_.file("trace.log")) {
   dbgSetLogSwitch(1);
@@ -61,12 +56,10 @@ std::vector<std::string> TraceCapture::Lines() const {
 }
 
 bool TraceCapture::Has(const std::string& line) const {
-  auto lines = Lines();
-  return std::find(lines.begin(), lines.end(), line) != lines.end();
+  return std::ranges::count(Lines(), line) > 0;
 }
 
-std::string systemPath(const std::string& hostPath) {
-  std::string path = hostPath;
+std::string systemPath(std::string path) {
   std::replace(path.begin(), path.end(), '/', '\\');
   return path;
 }
@@ -77,6 +70,5 @@ std::string readWholeFile(const std::string& path) {
 }
 
 void writeWholeFile(const std::string& path, const std::string& bytes) {
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
 }

@@ -6,15 +6,13 @@
 #include <string>
 #include <vector>
 
-// Brings the kernel up before each test and takes it down after, checking that the test left
-// no block on the heap beyond those it declared with AllowLiveBlocks.
+// Brings the kernel up around each test and checks that the test left no block on the heap
+// beyond blocksAtStart_ (which a test may raise for blocks the kernel keeps on purpose).
 class KernelTest : public ::testing::Test {
  protected:
   void SetUp() override;
   void TearDown() override;
-  // Live blocks on the kernel's heap right now.
-  static std::int64_t LiveBlocks();
-
+  static std::int64_t LiveBlocks();  // live blocks on the kernel's heap right now
   std::int64_t blocksAtStart_ = 0;
 };
 
@@ -26,22 +24,19 @@ class TempDir {
   TempDir(const TempDir&) = delete;
   TempDir& operator=(const TempDir&) = delete;
   const std::string& path() const { return path_; }
-  // path() + "/" + name
-  std::string file(const std::string& name) const;
+  std::string file(const std::string& name) const { return path_ + "/" + name; }
 
  private:
   std::string path_;
 };
 
-// Switches the kernel log on into a temporary file at threshold 0 while it lives; the kernel
-// must be up. Lines() gives what was logged so far, without line ends.
+// Logs at threshold 0 into a temporary file while it lives; the kernel must be up.
 class TraceCapture {
  public:
   TraceCapture();
   ~TraceCapture();
-  std::vector<std::string> Lines() const;
-  // True if some line is exactly this text.
-  bool Has(const std::string& line) const;
+  std::vector<std::string> Lines() const;  // without line ends
+  bool Has(const std::string& line) const;  // some line is exactly this
 
  private:
   TempDir dir_;
@@ -49,6 +44,5 @@ class TraceCapture {
 };
 
 std::string readWholeFile(const std::string& path);
-// A host path in the system's backslash form.
-std::string systemPath(const std::string& hostPath);
 void writeWholeFile(const std::string& path, const std::string& bytes);
+std::string systemPath(std::string hostPath);  // in the system's backslash form
