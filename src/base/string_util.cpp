@@ -1,6 +1,7 @@
 // String helpers: the kernel's text primitives on NUL-terminated UTF-8 byte strings.
 #include "base/string_util.h"
 
+#include <cstdint>
 #include <cstring>
 
 #include "base/memory_manager.h"
@@ -37,6 +38,7 @@ void strClear(char* buffer) {
 char* strDuplicate(const char* text) {
   if (!text) return nullptr;
   std::size_t length = std::strlen(text);
+  if (length >= UINT32_MAX) return nullptr;  // no heap block is that large
   auto* copy = static_cast<char*>(memAlloc(static_cast<std::uint32_t>(length + 1)));
   if (!copy) return nullptr;
   std::memcpy(copy, text, length + 1);

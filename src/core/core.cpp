@@ -23,12 +23,17 @@ void registerService(const char* name, void* service) { gIM->Register(name, serv
 
 }  // namespace
 
+// The registry hands out service tables; the program's pointers are to the objects behind them.
 void BindCoreInterfaces() {
-  imGet(gIM, "FMG", &gFMG);
+  FileInterface* files = nullptr;
+  imGet(gIM, "FMG", &files);
+  gFMG = static_cast<FileManager*>(files);
 }
 
 void UnbindCoreInterfaces() {
-  imRelease(gIM, "FMG", &gFMG);
+  FileInterface* files = gFMG;
+  imRelease(gIM, "FMG", &files);
+  gFMG = static_cast<FileManager*>(files);
 }
 
 int CoreStartup() {
@@ -45,20 +50,23 @@ int CoreStartup() {
     return 0;
   }
 
-  registerService("DBG", &debugSystem);
+  registerService("DBG", static_cast<DebugInterface*>(&debugSystem));
   dbgTrace(1, "Debug System interface registered...");
-  registerService("MEM", &memoryManager);
+  registerService("MEM", static_cast<MemoryInterface*>(&memoryManager));
   dbgTrace("Memory Manager interface registered...");
 
   fileManager.Init();
-  registerService("FMG", &fileManager);
+  registerService("FMG", static_cast<FileInterface*>(&fileManager));
   dbgTrace("FileManager initialized...");
 
   BindCoreInterfaces();
   return 1;
 }
 
-void CoreShutdown() {
+namespace {
+
+// Steps 1 to 9 of the shutdown: every registered service down, then the registry.
+void shutdownRegisteredServices() {
   UnbindCoreInterfaces();
 
   dbgTrace("File Manager deinitialized...");
@@ -71,7 +79,13 @@ void CoreShutdown() {
   dbgTrace(1, "Debug System interface unregistered...");
 
   interfaceManager.Shutdown();
+}
 
+}  // namespace
+
+void CoreShutdown() {
+  // A bring-up that got no registry left only the log and the heap up.
+  if (gIM) shutdownRegisteredServices();
   memoryManager.Shutdown();
   gMEM = nullptr;
 

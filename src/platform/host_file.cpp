@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 namespace {
@@ -127,6 +128,17 @@ std::FILE* hostFileOpenStream(const char* path, const char* mode) {
   return std::fopen(hostPath.text(), mode);
 }
 
+int hostPathExists(const char* path) {
+  HostPath hostPath(path);
+  struct stat status;
+  return hostPath.valid() && stat(hostPath.text(), &status) == 0 ? 1 : 0;
+}
+
+std::int32_t hostFileRemove(const char* path) {
+  HostPath hostPath(path);
+  return hostPath.valid() && std::remove(hostPath.text()) == 0 ? 0 : -1;
+}
+
 int hostGetCurrentDirectory(char* buffer, std::int32_t size) {
   if (!buffer) return 0;
   if (size < 1) return 0;
@@ -155,6 +167,15 @@ HostPathResult hostPathToSystem(const char* hostPath, char* out, std::int32_t si
   for (std::size_t i = 0; i < length; i++) out[i] = hostPath[i] == '/' ? '\\' : hostPath[i];
   out[length] = '\0';
   return HostPathResult::kOk;
+}
+
+void hostPathFromSystem(const char* systemPath, char* out, std::int32_t size) {
+  if (!out || size < 1) return;
+  std::int32_t i = 0;
+  for (; systemPath && systemPath[i] != '\0' && i < size - 1; i++) {
+    out[i] = systemPath[i] == '\\' ? '/' : systemPath[i];
+  }
+  out[i] = '\0';
 }
 
 const char* hostPathMessage(HostPathResult result) {

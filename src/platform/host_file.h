@@ -30,6 +30,10 @@ std::int64_t hostFileSeek(std::int32_t descriptor, std::int64_t offset, std::int
 int hostFileStat(std::int32_t descriptor, std::int64_t* size);
 // A C stream on the file, for writers that format text; null on failure. `mode` as fopen's.
 std::FILE* hostFileOpenStream(const char* path, const char* mode);
+// 1 if something (a file, a directory, anything) has this name; else 0.
+int hostPathExists(const char* path);
+// 0 removed, -1 not.
+std::int32_t hostFileRemove(const char* path);
 
 // The working directory, in the system's form, into `buffer` of `size` bytes. 1 done; 0 with
 // the buffer cleared if the host can't tell or the directory can't be represented (see
@@ -54,5 +58,8 @@ constexpr std::int32_t kHostPathSize = 260;
 // included. kOk and the converted path in `out` (of `size` bytes, at least kHostPathSize);
 // otherwise the reason, with `out` cleared. A path is never cut.
 HostPathResult hostPathToSystem(const char* hostPath, char* out, std::int32_t size);
+// The other way, for showing a system path to the user: `\` becomes `/`, cut to `size` - 1
+// bytes.
+void hostPathFromSystem(const char* systemPath, char* out, std::int32_t size);
 // A sentence for the user on why a path was refused; empty for kOk.
 const char* hostPathMessage(HostPathResult result);

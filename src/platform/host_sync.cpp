@@ -10,11 +10,14 @@ std::int32_t hostAtomicExchange(std::int32_t* word, std::int32_t value) {
 }
 
 std::int32_t hostAtomicIncrement(std::int32_t* word) {
-  return std::atomic_ref<std::int32_t>(*word).fetch_add(1) + 1;
+  // The word wraps; so does the value reported, without signed overflow.
+  auto before = static_cast<std::uint32_t>(std::atomic_ref<std::int32_t>(*word).fetch_add(1));
+  return static_cast<std::int32_t>(before + 1u);
 }
 
 std::int32_t hostAtomicDecrement(std::int32_t* word) {
-  return std::atomic_ref<std::int32_t>(*word).fetch_sub(1) - 1;
+  auto before = static_cast<std::uint32_t>(std::atomic_ref<std::int32_t>(*word).fetch_sub(1));
+  return static_cast<std::int32_t>(before - 1u);
 }
 
 void hostSleepMs(std::uint32_t milliseconds) {

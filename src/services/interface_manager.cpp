@@ -12,6 +12,9 @@ namespace {
 
 InterfaceEntry* entryAt(const CursorNode* node) { return static_cast<InterfaceEntry*>(node->payload); }
 
+// A null name may be registered; the traces show it as empty.
+const char* shown(const char* name) { return name ? name : ""; }
+
 }  // namespace
 
 int InterfaceManager::Lookup(const char* name) {
@@ -31,7 +34,7 @@ void InterfaceManager::FreeCurrentEntry() {
 int InterfaceManager::Register(const char* name, void* iface, std::uintptr_t owner) {
   SpinLockGuard guard(lock);
   if (Lookup(name)) {
-    dbgTrace("Interface %s already registered.", name);
+    dbgTrace("Interface %s already registered.", shown(name));
     return 0;
   }
   auto* entry = static_cast<InterfaceEntry*>(memAlloc(sizeof(InterfaceEntry)));
@@ -42,35 +45,35 @@ int InterfaceManager::Register(const char* name, void* iface, std::uintptr_t own
     entry->refCount = 0;
     // A name that could not be copied would make an entry nobody can reach or free by name.
     if ((entry->name || !name) && entries.Append(entry)) {
-      dbgTrace("Interface %s successfully registered.", name);
+      dbgTrace("Interface %s successfully registered.", shown(name));
       return 1;
     }
     strFree(&entry->name);
     memFree(entry);
   }
-  dbgTrace("Unable to register Interface %s!", name);
+  dbgTrace("Unable to register Interface %s!", shown(name));
   return 0;
 }
 
 int InterfaceManager::Unregister(const char* name) {
   SpinLockGuard guard(lock);
   if (!Lookup(name)) {
-    dbgTrace("Unable to unregister Interface %s.", name);
+    dbgTrace("Unable to unregister Interface %s.", shown(name));
     return 0;
   }
   InterfaceEntry* entry = entryAt(entries.current);
   if (entry->refCount != 0) {
-    dbgTrace("Register count for Interface %s is non-zero (%d)!", name, entry->refCount);
+    dbgTrace("Register count for Interface %s is non-zero (%d)!", shown(name), entry->refCount);
   }
   FreeCurrentEntry();
-  dbgTrace("Interface %s successfully unregistered.", name);
+  dbgTrace("Interface %s successfully unregistered.", shown(name));
   return 1;
 }
 
 int InterfaceManager::Get(const char* name, void** var) {
   SpinLockGuard guard(lock);
   if (!Lookup(name)) {
-    dbgTrace("Unable to get Interface %s!", name);
+    dbgTrace("Unable to get Interface %s!", shown(name));
     return 0;
   }
   InterfaceEntry* entry = entryAt(entries.current);
@@ -83,7 +86,7 @@ int InterfaceManager::Release(const char* name, void** var) {
   SpinLockGuard guard(lock);
   if (!*var) return 0;
   if (!Lookup(name)) {
-    dbgTrace("Unable to release Interface %s!", name);
+    dbgTrace("Unable to release Interface %s!", shown(name));
     return 0;
   }
   hostAtomicDecrement(&entryAt(entries.current)->refCount);
@@ -117,7 +120,7 @@ void InterfaceManager::Shutdown() {
     while (entries.current) {
       const InterfaceEntry* entry = entryAt(entries.current);
       if (entry->refCount > 0) {
-        dbgTrace("...Interface %s has reference count of %d.", entry->name, entry->refCount);
+        dbgTrace("...Interface %s has reference count of %d.", shown(entry->name), entry->refCount);
       }
       FreeCurrentEntry();
     }

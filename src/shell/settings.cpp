@@ -29,14 +29,19 @@ void winGetPlacement(ShellWindow* window, WindowPlacement* placement) {
 }
 
 void winMoveTo(ShellWindow* window, WindowPlacement* placement, std::int32_t x, std::int32_t y) {
-  std::int32_t width = placement->right - placement->left;
-  std::int32_t height = placement->bottom - placement->top;
+  // Positions come from the settings file unchecked: the sums wrap rather than overflow.
+  auto wrapped = [](std::int32_t a, std::int32_t b, int sign) {
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) +
+                                     static_cast<std::uint32_t>(sign) * static_cast<std::uint32_t>(b));
+  };
+  std::int32_t width = wrapped(placement->right, placement->left, -1);
+  std::int32_t height = wrapped(placement->bottom, placement->top, -1);
   placement->flags = 0;
   placement->showCmd = kShowNormal;
   placement->left = x;
   placement->top = y;
-  placement->right = x + width;
-  placement->bottom = y + height;
+  placement->right = wrapped(x, width, 1);
+  placement->bottom = wrapped(y, height, 1);
   if (window) window->SetPlacement(placement);
 }
 

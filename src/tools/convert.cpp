@@ -19,6 +19,8 @@ constexpr int kOk = 0;
 constexpr int kFailed = 1;
 constexpr int kUsage = 2;
 constexpr int kPathSize = 260;
+// Room for a derived name that would be too long, so that it is refused rather than cut.
+constexpr int kLongSize = 2 * kPathSize;
 
 const char kUsageText[] =
     "Usage: tessarine-convert SOURCE.ini TARGET.ini\n"
@@ -39,8 +41,16 @@ bool toSystemPath(const char* hostPath, char* out, std::FILE* err) {
   return false;
 }
 
-// The name the INI reader and writer will use for `path`.
-void resolveIniName(const char* path, char* out) { fmgCheckFilename(nullptr, path, "INI", out, kPathSize); }
+// A derived name, made in a buffer larger than a path so that a cut shows: false, with a
+// message, when it doesn't fit the system's 259 bytes.
+bool fitsSystemPath(const char* name, std::FILE* err) {
+  if (std::strlen(name) < static_cast<std::size_t>(kPathSize)) return true;
+  char shown[kLongSize];
+  hostPathFromSystem(name, shown, kLongSize);
+  std::fprintf(err, "tessarine-convert: %s: %s\n", shown,
+               hostPathMessage(HostPathResult::kTooLong));
+  return false;
+}
 
 bool isReadable(const char* name) {
   std::int32_t handle = gFMG->OpenFile(name);
@@ -49,39 +59,57 @@ bool isReadable(const char* name) {
   return true;
 }
 
-// Opening for append creates a missing file and truncates nothing; the save rewrites it.
-bool isWritable(const char* name) {
+// Opening for append truncates nothing; a file the probe itself created is removed again.
+bool isWritable(const char* name, std::FILE* err) {
+  int existed = hostPathExists(name);
   std::FILE* stream = hostFileOpenStream(name, "a");
-  if (!stream) return false;
-  std::fclose(stream);
-  return true;
+  if (stream) std::fclose(stream);
+  if (stream && !existed) hostFileRemove(name);
+  if (stream) return true;
+  char shown[kLongSize];
+  hostPathFromSystem(name, shown, kLongSize);
+  std::fprintf(err, "tessarine-convert: can't write %s\n", shown);
+  return false;
+}
+
+// The names the gun files will use: the text file as the INI writer resolves it ("INI" added
+// to a name without an extension), the binary one beside it. False, with a message, when
+// either can't be used.
+bool targetNames(const char* target, char* textName, char* binaryName, std::FILE* err) {
+  fmgCheckFilename(nullptr, target, "INI", textName, kLongSize);
+  fmgSetFileExtension(textName, "dat", binaryName, kLongSize);
+  if (!fitsSystemPath(textName, err) || !fitsSystemPath(binaryName, err)) return false;
+  if (std::strcmp(textName, binaryName) == 0) {
+    std::fprintf(err, "tessarine-convert: %s would be both the text and the binary file\n",
+                 target);
+    return false;
+  }
+  return isWritable(textName, err) && isWritable(binaryName, err);
 }
 
 int convert(const char* sourceArgument, const char* targetArgument, std::FILE* err) {
   char source[kPathSize];
   char target[kPathSize];
-  char sourceName[kPathSize];
-  char targetName[kPathSize];
+  char sourceName[kLongSize];
+  char textName[kLongSize];
+  char binaryName[kLongSize];
   if (!toSystemPath(sourceArgument, source, err) || !toSystemPath(targetArgument, target, err)) {
     return kFailed;
   }
-  resolveIniName(source, sourceName);
-  resolveIniName(target, targetName);
+  fmgCheckFilename(nullptr, source, "INI", sourceName, kLongSize);
+  if (!fitsSystemPath(sourceName, err)) return kFailed;
   if (!isReadable(sourceName)) {
     std::fprintf(err, "tessarine-convert: can't read %s\n", sourceArgument);
     return kFailed;
   }
-  if (!isWritable(targetName)) {
-    std::fprintf(err, "tessarine-convert: can't write %s\n", targetArgument);
-    return kFailed;
-  }
+  if (!targetNames(target, textName, binaryName, err)) return kFailed;
   ConsoleListView view(err);
   GunFileLoad(&view, sourceName);
   if (GunList.count == 0) {
-    std::fprintf(err, "tessarine-convert: warning: %s holds no gun section; writing an empty "
-                 "document\n", sourceArgument);
+    std::fprintf(err, "tessarine-convert: warning: %s has no gun section GunData001; writing an "
+                 "empty document\n", sourceArgument);
   }
-  int saved = GunFileSave(&view, targetName);
+  int saved = GunFileSave(&view, textName);
   GunListEmpty(&view);
   return saved ? kOk : kFailed;
 }
@@ -89,14 +117,18 @@ int convert(const char* sourceArgument, const char* targetArgument, std::FILE* e
 int dump(const char* argument, std::FILE* out, std::FILE* err) {
   char path[kPathSize];
   if (!toSystemPath(argument, path, err)) return kFailed;
-  return GunDumpFile(path, out, err) ? kOk : kFailed;
+  return GunDumpFile(path, argument, out, err) ? kOk : kFailed;
 }
 
 // Runs `work` between bring-up and shutdown of the kernel.
 template <typename Work>
-int withKernel(Work work) {
-  CoreStartup();
-  int status = work();
+int withKernel(Work work, std::FILE* err) {
+  int status = kFailed;
+  if (CoreStartup() && gFMG) {
+    status = work();
+  } else {
+    std::fputs("tessarine-convert: the kernel's services could not be brought up\n", err);
+  }
   CoreShutdown();
   return status;
 }
@@ -113,10 +145,10 @@ int ConvertMain(int argc, char** argv, std::FILE* out, std::FILE* err) {
     return kOk;
   }
   if (argc == 3 && std::strcmp(argv[1], "--dump") == 0) {
-    return withKernel([&] { return dump(argv[2], out, err); });
+    return withKernel([&] { return dump(argv[2], out, err); }, err);
   }
   if (argc == 3 && argv[1][0] != '-' && argv[2][0] != '-') {
-    return withKernel([&] { return convert(argv[1], argv[2], err); });
+    return withKernel([&] { return convert(argv[1], argv[2], err); }, err);
   }
   std::fputs(kUsageText, err);
   return kUsage;

@@ -84,11 +84,11 @@ std::int32_t decodeCount(const unsigned char* bytes) {
 
 }  // namespace
 
-int GunDumpFile(const char* path, std::FILE* out, std::FILE* err) {
+int GunDumpFile(const char* path, const char* shownName, std::FILE* out, std::FILE* err) {
   std::uint32_t size = gFMG->GetFileSize(path);
   std::int32_t handle = gFMG->OpenFile(path);
   if (handle == -1) {
-    std::fprintf(err, "tessarine-convert: can't read %s\n", path);
+    std::fprintf(err, "tessarine-convert: can't read %s\n", shownName);
     return 0;
   }
   unsigned char countBytes[kCountSize];
@@ -99,15 +99,15 @@ int GunDumpFile(const char* path, std::FILE* out, std::FILE* err) {
     std::fprintf(err,
                  "tessarine-convert: %s is no gun data file: %u bytes, not 4 + 560 x the count "
                  "it holds\n",
-                 path, size);
+                 shownName, size);
     return 0;
   }
-  std::fprintf(out, "%s: %d record(s)\n", path, count);
+  std::fprintf(out, "%s: %d record(s)\n", shownName, count);
   for (std::int32_t i = 0; i < count; i++) {
     GunData gun;
     if (!readExactly(handle, &gun, sizeof gun)) {
       gFMG->CloseFile(handle);
-      std::fprintf(err, "tessarine-convert: %s ends inside record %d\n", path, i + 1);
+      std::fprintf(err, "tessarine-convert: %s ends inside record %d\n", shownName, i + 1);
       return 0;
     }
     std::fprintf(out, "\nRecord %d (offset %u)\n", i + 1,

@@ -3,6 +3,6 @@
 #include <cstdio>
 
 // Reads the .dat file `path` (system form) through the file manager and prints each record to
-// `out`. Returns 1; or prints why to `err` and returns 0 for a file that can't be read or whose
-// size isn't 4 + 560 x its count.
-int GunDumpFile(const char* path, std::FILE* out, std::FILE* err);
+// `out`, naming the file `shownName`. Returns 1; or prints why to `err` and returns 0 for a file
+// that can't be read or whose size isn't 4 + 560 x its count.
+int GunDumpFile(const char* path, const char* shownName, std::FILE* out, std::FILE* err);

@@ -16,7 +16,11 @@ TEST(Core, StartupRegistersServicesAndShutdownClearsThem) {
   ASSERT_EQ(CoreStartup(), 1);
   ASSERT_NE(gIM, nullptr);
   using Case = std::tuple<const char*, int, const void*>;
-  for (auto [name, refCount, iface] : {Case{"DBG", 0, gDBG}, {"MEM", 0, gMEM}, {"FMG", 1, gFMG}}) {
+  // Each entry holds the service's table, as a library calls through it.
+  for (auto [name, refCount, iface] :
+       {Case{"DBG", 0, static_cast<DebugInterface*>(gDBG)},
+        {"MEM", 0, static_cast<MemoryInterface*>(gMEM)},
+        {"FMG", 1, static_cast<FileInterface*>(gFMG)}}) {
     ASSERT_EQ(gIM->entries.FindByName(name), 1) << name;
     auto* entry = static_cast<InterfaceEntry*>(gIM->entries.current->payload);
     EXPECT_EQ(entry->refCount, refCount) << name;

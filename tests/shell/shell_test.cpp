@@ -238,3 +238,12 @@ TEST_F(ShellTest, SettingsAcrossRuns) {
 }
 
 }  // namespace
+
+TEST(Placement, PositionsFromTheFileWrapInsteadOfOverflowing) {
+  FakeWindow window;
+  WindowPlacement placement = {44, 0, 1, 10, 20, 410, 320};
+  winMoveTo(&window, &placement, INT32_MAX, INT32_MIN);
+  EXPECT_EQ(window.placement.left, INT32_MAX);
+  EXPECT_EQ(window.placement.right, INT32_MIN + 399);
+  EXPECT_EQ(window.placement.bottom, INT32_MIN + 300);
+}

@@ -3,6 +3,7 @@
 #include <sys/wait.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 
 #include "core/core.h"
@@ -99,7 +100,9 @@ TEST_F(ConvertTest, EveryRunGivesItsMessageAndStatus) {
   } cases[] = {
       {"missing.ini out.ini", 1, "can't read missing.ini"},
       {"guns.ini no-dir/out.ini", 1, "can't write no-dir/out.ini"},
-      {"guns.ini blocked.ini", 1, "Unable to create"},  // blocked.dat is a directory
+      {"guns.ini blocked.ini", 1, "can't write ./blocked.dat"},  // a directory
+      {"guns.ini same.dat", 1, "both the text and the binary file"},
+      {"guns.ini " + std::string(255, 'n'), 1, "too long"},  // no room for ".INI"
       {"'back\\slash.ini' out.ini", 1, "backslash"},
       {"--dump odd.dat", 1, "is no gun data file"},
       {"--dump missing.dat", 1, "can't read"},
@@ -115,6 +118,7 @@ TEST_F(ConvertTest, EveryRunGivesItsMessageAndStatus) {
     EXPECT_TRUE(run.out.rfind(c.message, 0) == 0 || run.err.find(c.message) != std::string::npos)
         << c.arguments << ": " << run.out << run.err;
   }
+  EXPECT_FALSE(std::filesystem::exists(work.file("blocked.ini"))) << "a refused target leaves nothing";
   EXPECT_EQ(readWholeFile(work.file("empty.dat")), std::string(4, '\0'));
   EXPECT_EQ(readWholeFile(work.file("empty.ini")), "");
 }
