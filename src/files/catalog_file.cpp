@@ -10,6 +10,14 @@
 
 namespace {
 
+// Empties a table and makes its block once for the count the header gives. A count of 0 or
+// below, or too large for one block, gets no block: Append then makes its own.
+void prepareTable(GrowArray* list, std::int32_t count) {
+  list->Clear();
+  list->fixed = 1;
+  list->Create(count);
+}
+
 // The array owns its items here: each goes back to the heap before the array is emptied.
 void freeItemsAndClear(GrowArray* list) {
   for (std::int32_t i = 0; i < list->count; i++) memFree(list->data[i]);
@@ -132,10 +140,7 @@ int CatalogFile::Load(const char* catalogPath) {
 }
 
 int CatalogFile::LoadFileTable(std::int32_t descriptor, const char* catalogPath) {
-  headerList.Clear();
-  headerList.fixed = 1;
-  // A count of 0 or below, or too large for one block, gets no block: Append makes its own.
-  headerList.Create(header.fileCount);
+  prepareTable(&headerList, header.fileCount);
 
   char name[kNameSize];
   for (std::int32_t i = 0; i < header.fileCount; i++) {
@@ -176,9 +181,7 @@ void CatalogFile::DeriveSizes() {
 }
 
 int CatalogFile::LoadExtensionTable(std::int32_t descriptor, const char* catalogPath) {
-  extensionList.Clear();
-  extensionList.fixed = 1;
-  extensionList.Create(header.extensionCount);
+  prepareTable(&extensionList, header.extensionCount);
 
   char text[kNameSize];
   for (std::int32_t i = 0; i < header.extensionCount; i++) {
