@@ -5,12 +5,14 @@
 #include "base/debug_system.h"
 #include "base/memory_manager.h"
 #include "files/file_manager.h"
+#include "services/application.h"
 #include "services/interface_manager.h"
 
 // Defined in the order of the start-up table, so construction follows it and destruction runs
 // in reverse. None of the constructors uses another service or allocates.
 CursorList GunList;
 namespace {
+Application application;
 FileManager fileManager;
 MemoryManager memoryManager;
 DebugSystem debugSystem;
@@ -24,13 +26,15 @@ void registerService(const char* name, void* service) { gIM->Register(name, serv
 }  // namespace
 
 // The registry hands out service tables; the program's pointers are to the objects behind them.
-void BindCoreInterfaces() {
+void BindCoreInterfaces(Application* app) {
   FileInterface* files = nullptr;
   imGet(gIM, "FMG", &files);
   gFMG = static_cast<FileManager*>(files);
+  gAPP = app;
 }
 
 void UnbindCoreInterfaces() {
+  gAPP = nullptr;
   FileInterface* files = gFMG;
   imRelease(gIM, "FMG", &files);
   gFMG = static_cast<FileManager*>(files);
@@ -59,7 +63,9 @@ int CoreStartup() {
   registerService("FMG", static_cast<FileInterface*>(&fileManager));
   dbgTrace("FileManager initialized...");
 
-  BindCoreInterfaces();
+  application.Init();
+  registerService("APP", static_cast<ApplicationInterface*>(&application));
+  BindCoreInterfaces(&application);
   return 1;
 }
 
@@ -67,7 +73,10 @@ namespace {
 
 // Steps 1 to 9 of the shutdown: every registered service down, then the registry.
 void shutdownRegisteredServices() {
+  application.windowHandle = nullptr;
+  application.instanceHandle = nullptr;
   UnbindCoreInterfaces();
+  gIM->Unregister("APP");
 
   dbgTrace("File Manager deinitialized...");
   fileManager.Shutdown();
