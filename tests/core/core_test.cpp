@@ -47,6 +47,7 @@ TEST(Core, ShutdownTracesInMirrorOrder) {
     ASSERT_EQ(CoreStartup(), 1);
   }
   std::vector<std::string> expected = {
+      "MSG|Interface APP successfully unregistered.",
       "MSG|File Manager deinitialized...",
       "MSG|Interface FMG successfully unregistered.",
       "MSG|Interface MEM successfully unregistered.",
