@@ -1,47 +1,9 @@
 // Application: the window-system face of the kernel for a client that runs its own main loop.
 #pragma once
+#include "tessarine/plugin.h"
 #include <cstdint>
 
 #include "platform/host_window.h"
-
-// The APP service table; libraries call through it, so the order is fixed and the two reserved
-// operations keep their places. The window operations act on gMainWindowHandle.
-class ApplicationInterface {
- public:
-  // Dispatches queued messages: while active until the queue is empty, while inactive waiting
-  // for each. 0 when the quit message was dispatched, 1 otherwise.
-  virtual int PumpMessages() = 0;
-  virtual int IsActive() = 0;
-  // Active: the window up and the cursor hidden; inactive: minimised and the cursor shown.
-  // Nothing happens when the flag equals the current state.
-  virtual void SetActive(int active) = 0;
-  // The working directory at bring-up; the same buffer on every call.
-  virtual const char* GetWorkingDirectory() = 0;
-  virtual void SetUserValue(std::int32_t value) = 0;
-  virtual std::int32_t GetUserValue() = 0;
-  // Focuses, raises and maximises the main window.
-  virtual void ActivateWindow() = 0;
-  // Places the main window above all others and shows it.
-  virtual void PlaceWindow(std::int32_t x, std::int32_t y, std::int32_t width,
-                           std::int32_t height) = 0;
-  virtual void GetWindowBounds(HostRect* rect) = 0;
-  virtual void MinimizeWindow() = 0;
-  // Shows or hides the cursor with one call, whatever the display count was.
-  virtual void ShowMouseCursor(int show) = 0;
-  // Stores a copy of the text; longer texts are cut to the buffer's 1023 bytes.
-  virtual void SetText(const char* text) = 0;
-  // 1 once SetText ran, also with an empty text.
-  virtual int HasText() = 0;
-  virtual void SetWindowHandle(HostHandle window) = 0;
-  virtual HostHandle GetWindowHandle() = 0;
-  virtual void SetInstanceHandle(HostHandle instance) = 0;
-  virtual HostHandle GetInstanceHandle() = 0;
-  virtual void ReservedA() = 0;
-  virtual void ReservedB() = 0;
-
- protected:
-  ~ApplicationInterface() = default;
-};
 
 class Application : public ApplicationInterface {
  public:
