@@ -13,13 +13,15 @@ target_include_directories(tess_plugin_kit INTERFACE
 target_compile_features(tess_plugin_kit INTERFACE cxx_std_17)
 
 set(tess_kit_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Tessarine)
-install(TARGETS tess_plugin_kit EXPORT TessarineTargets)
+install(TARGETS tess_plugin_kit EXPORT TessarineTargets COMPONENT PluginKit)
 install(FILES ${CMAKE_SOURCE_DIR}/src/kit/tessarine/plugin.h
-        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tessarine)
-install(EXPORT TessarineTargets NAMESPACE Tessarine:: DESTINATION ${tess_kit_cmake_dir})
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tessarine COMPONENT PluginKit)
+install(EXPORT TessarineTargets NAMESPACE Tessarine:: DESTINATION ${tess_kit_cmake_dir}
+        COMPONENT PluginKit)
 file(WRITE ${CMAKE_BINARY_DIR}/TessarineConfig.cmake
      "include(\${CMAKE_CURRENT_LIST_DIR}/TessarineTargets.cmake)\n")
 write_basic_package_version_file(${CMAKE_BINARY_DIR}/TessarineConfigVersion.cmake
                                  COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_BINARY_DIR}/TessarineConfig.cmake
-        ${CMAKE_BINARY_DIR}/TessarineConfigVersion.cmake DESTINATION ${tess_kit_cmake_dir})
+        ${CMAKE_BINARY_DIR}/TessarineConfigVersion.cmake DESTINATION ${tess_kit_cmake_dir}
+        COMPONENT PluginKit)
