@@ -28,6 +28,12 @@ void Clock::TickLocked() {
   frameRate = seconds > 0.0 ? static_cast<float>(1.0 / seconds) : -1.0f;
 }
 
+template <typename Field>
+Field Clock::Locked(const Field& field) {
+  SpinLockGuard guard(lock);
+  return field;
+}
+
 void Clock::StartLocked() {
   startTime = hostTimer()->Now();
   lastElapsed = 0;
@@ -45,35 +51,20 @@ void Clock::SetPeriod(std::uint32_t milliseconds) {
   framePeriod = milliseconds;
 }
 
-std::uint32_t Clock::GetElapsed() {
-  SpinLockGuard guard(lock);
-  return elapsed;
-}
+std::uint32_t Clock::GetElapsed() { return Locked(elapsed); }
 
-float Clock::GetElapsedSeconds() {
-  SpinLockGuard guard(lock);
-  return elapsedSeconds;
-}
+float Clock::GetElapsedSeconds() { return Locked(elapsedSeconds); }
 
 void Clock::Tick() {
   SpinLockGuard guard(lock);
   TickLocked();
 }
 
-std::uint32_t Clock::GetInterval() {
-  SpinLockGuard guard(lock);
-  return interval;
-}
+std::uint32_t Clock::GetInterval() { return Locked(interval); }
 
-float Clock::GetIntervalSeconds() {
-  SpinLockGuard guard(lock);
-  return intervalSeconds;
-}
+float Clock::GetIntervalSeconds() { return Locked(intervalSeconds); }
 
-float Clock::GetFrameRate() {
-  SpinLockGuard guard(lock);
-  return frameRate;
-}
+float Clock::GetFrameRate() { return Locked(frameRate); }
 
 void Clock::Delay(std::uint32_t milliseconds) {
   SpinLockGuard guard(lock);

@@ -42,4 +42,7 @@ class Clock : public ClockInterface {
   std::uint32_t SinceStart() const;
   void TickLocked();
   void StartLocked();
+  // Reads a field under the lock.
+  template <typename Field>
+  Field Locked(const Field& field);
 };
