@@ -72,6 +72,7 @@ class FileManager : public FileInterface {
   CatalogFile* FindInCatalogs(const char* name);
   void ReleaseRecord(FileHandleRecord* record);
   void DestroyCurrentCatalog();
+  void DropRecordsOf(const CatalogFile* catalog);
 };
 
 // Set by the kernel's bring-up to the one FileManager; null before and after.
