@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds and runs every test twice: a plain build (benchmarks compiled, not run), then one under
-# AddressSanitizer and UBSan; then the concurrent file readers under ThreadSanitizer.
+# AddressSanitizer and UBSan; then the concurrent file readers under ThreadSanitizer; then each
+# fuzz target for 20 seconds.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/install-deps.sh
@@ -20,3 +21,5 @@ ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1 \
   run_suite build/asan -DTESS_SANITIZE=ON
 echo "== thread sanitizer"
 bash scripts/tsan.sh
+echo "== fuzz targets, 20 seconds each"
+bash scripts/fuzz.sh 20
