@@ -174,7 +174,8 @@ void GunFileLoad(GunListView* view, const char* path) {
 int GunFileSave(GunListView* view, const char* path) {
   char binaryPath[kPathSize];
   fmgSetFileExtension(path, "dat", binaryPath, sizeof binaryPath);
-  std::int32_t handle = gFMG->CreateFile(binaryPath);
+  // Without a file manager (its registration found no memory) no file can be made.
+  std::int32_t handle = gFMG ? gFMG->CreateFile(binaryPath) : -1;
   if (handle == -1) {
     winMessageBox(view, "ERROR!", "Unable to create %s for writing!", path);
     return 0;

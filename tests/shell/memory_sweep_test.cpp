@@ -1,0 +1,120 @@
+// The exhausted-memory sweep: the whole road of a session (start-up, a load through an include
+// and a catalog, every gun command, every document command, the saves, shutdown) run again and
+// again with the Nth allocation failing, N from 1 until a run meets no failure.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "base/memory_manager.h"
+#include "catalog_writer.h"
+#include "core/core.h"
+#include "fake_window.h"
+#include "files/file_manager.h"
+#include "gun/gun_commands.h"
+#include "gun/gun_list.h"
+#include "kernel_fixture.h"
+#include "platform/host_heap.h"
+#include "shell/document.h"
+#include "shell/settings.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string gunSection(int number, const std::string& name) {
+  char header[32];
+  std::snprintf(header, sizeof header, "[GunData%03d]\n", number);
+  return std::string(header) + "TypeName=" + name + "\nCaliber=7.62\nROF=600\nMuzzleVel=800\nAmmoWt=0.02\n" +
+         "AddLight=TRUE\nFireColor=1,0.5,0.25\n\n";
+}
+
+// A user who answers everything the same way, whatever a failure changed in the flow: accepts
+// each form with a fresh name, answers No, and chooses the one path it was given.
+class SteadyUser final : public FakeWindow {
+ public:
+  int RunEditForm(EditGunDialog* form) override {
+    std::snprintf(form->TypeName, sizeof form->TypeName, "Gun %d", ++forms_);
+    return 1;
+  }
+  int AskYesNoCancel(const char*, const char*) override { return kNo; }
+  int ChooseOpenFile(char* path, char* title, const char*) override { return Pick(path, title); }
+  int ChooseSaveFile(char* path, char* title, const char*, const char*) override {
+    return Pick(path, title);
+  }
+  std::string chosen;
+
+ private:
+  int Pick(char* path, char* title) {
+    std::snprintf(path, kPathSize, "%s", chosen.c_str());
+    std::snprintf(title, kPathSize, "%s", chosen.substr(chosen.rfind('\\') + 1).c_str());
+    return 1;
+  }
+  int forms_ = 0;
+};
+
+class MemorySweep : public ::testing::Test {
+ protected:
+  // One session with the nth allocation failing; false when no allocation was the nth.
+  bool RunSession(std::int64_t nth) {
+    fs::remove_all(root_);
+    fs::create_directories(root_);
+    writeWholeFile(root_ + "/guns.ini",
+                   gunSection(1, "Alpha") + "#include PART.INI\n" + gunSection(2, "Beta"));
+    CatalogWriter().Add("PART.INI", gunSection(3, "Gamma")).WriteTo(root_ + "/PART.CAT");
+    fs::current_path(root_);
+    hostHeapFailNth(nth);
+
+    CoreStartup();
+    std::int64_t blocks = hostHeapLiveBlocks(gMEM->heap);
+    if (gFMG) gFMG->OpenCatalog((systemPath(root_) + "\\PART.CAT").c_str());
+    SteadyUser window;
+    window.chosen = systemPath(root_) + "\\guns.ini";
+    ShellWindowOpened(&window);
+    Step(window, "open", [&] { OnOpen(&window); });
+    openedRows_ = window.RowCount();
+    for (auto command : {OnNewGun, OnEditGun, OnCopyGun, OnMoveUp, OnMoveDown, OnDeleteGun}) {
+      Step(window, "gun command", [&] { RunGunCommand(&window, command); });
+    }
+    Step(window, "save", [&] { OnSave(&window); });
+    window.chosen = systemPath(root_) + "\\copy.ini";
+    Step(window, "save as", [&] { OnSaveAs(&window); });
+    Step(window, "new", [&] { OnNew(&window); });
+    Step(window, "close", [&] { OnCloseCommand(&window); });
+    ShellWindowClosing(&window);
+    if (gFMG) gFMG->CloseCatalog((systemPath(root_) + "\\PART.CAT").c_str());
+    EXPECT_EQ(hostHeapLiveBlocks(gMEM->heap), blocks) << "a block stayed behind at N = " << nth;
+    bool failed = hostHeapFailPending() == 0;
+    CoreShutdown();
+    hostHeapFailNth(0);
+    fs::current_path(cwd_);
+    return failed;
+  }
+
+  // Runs one step and checks that the list and the rows are still in step.
+  template <typename Action>
+  void Step(SteadyUser& window, const char* what, Action action) {
+    action();
+    ASSERT_EQ(window.RowCount(), GunList.count) << what;
+    GunList.MoveFirst();
+    for (int row = 0; row < window.RowCount(); row++, GunList.MoveNext()) {
+      const char* name = static_cast<const char*>(GunList.current->payload);  // TypeName first
+      ASSERT_EQ(window.rows[row][0], std::string(name).substr(0, 259)) << what << " row " << row;
+    }
+  }
+
+  int openedRows_ = 0;
+  TempDir temp_;
+  std::string root_ = fs::canonical(temp_.path()).string() + "/session";
+  fs::path cwd_ = fs::current_path();
+};
+
+}  // namespace
+
+TEST_F(MemorySweep, EveryAllocationOfASessionMayFail) {
+  std::int64_t nth = 1;
+  while (RunSession(nth) && !HasFailure()) nth++;
+  EXPECT_EQ(openedRows_, 3) << "the last run, which met no failure, loaded every gun";
+  EXPECT_GT(nth, 400) << "the road allocates far more than this";
+  std::printf("[ sweep    ] %lld allocations, each failed once\n", static_cast<long long>(nth - 1));
+}
