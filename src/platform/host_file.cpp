@@ -48,6 +48,17 @@ std::int32_t hostFileCreate(const char* path) {
   return descriptor < 0 ? -1 : descriptor;
 }
 
+std::int32_t hostFileCreateNew(const char* path) {
+  HostPath hostPath(path);
+  if (!hostPath.valid()) return -1;
+  int descriptor;
+  do {
+    descriptor =
+        open(hostPath.text(), openFlagsOf(O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW), 0666);
+  } while (descriptor < 0 && errno == EINTR);
+  return descriptor < 0 ? -1 : descriptor;
+}
+
 std::int32_t hostFileClose(std::int32_t descriptor) {
   // Linux releases the descriptor even when close is interrupted: never retry.
   return close(descriptor) == 0 ? 0 : -1;
@@ -119,6 +130,15 @@ std::int32_t hostFileRemove(const char* path) {
   HostPath hostPath(path);
   return hostPath.valid() && std::remove(hostPath.text()) == 0 ? 0 : -1;
 }
+
+std::int32_t hostFileRename(const char* from, const char* to) {
+  HostPath hostFrom(from);
+  HostPath hostTo(to);
+  if (!hostFrom.valid() || !hostTo.valid()) return -1;
+  return std::rename(hostFrom.text(), hostTo.text()) == 0 ? 0 : -1;
+}
+
+const char kHostNoFileDirectory[] = "\\dev\\null";
 
 int hostGetCurrentDirectory(char* buffer, std::int32_t size) {
   if (!buffer) return 0;
