@@ -1,7 +1,6 @@
 // CatalogWriter: makes a catalog archive of files on disk, in exactly the form CatalogFile reads.
 #include "files/catalog_writer.h"
 
-#include <cstdio>
 #include <cstring>
 
 #include "base/memory_manager.h"
@@ -15,7 +14,6 @@ constexpr std::uint64_t kMaxCatalogSize = 0xFFFFFFFF;
 constexpr std::uint32_t kHeaderSize = 28;
 // Large enough that the per-call cost of reading and writing vanishes against the copying.
 constexpr std::uint32_t kBufferSize = 1 << 20;
-constexpr int kTemporaryTries = 10000;
 
 struct WriterEntry {
   char path[CatalogWriter::kPathSize];
@@ -98,25 +96,6 @@ class OutputBuffer {
   std::uint32_t used_ = 0;
   bool failed_ = false;
 };
-
-// Creates a new temporary file in the directory of `catalogPath`, so that the rename into place
-// stays within one file system. The descriptor, with its path in `temporary`; or -1.
-std::int32_t createTemporary(const char* catalogPath, char* temporary) {
-  const char* slash = std::strrchr(catalogPath, '\\');
-  int directoryLength = slash ? static_cast<int>(slash - catalogPath) + 1 : 0;
-  char name[32];
-  for (int attempt = 0; attempt < kTemporaryTries; attempt++) {
-    int nameLength = std::snprintf(name, sizeof name, "~cat%04d.tmp", attempt);
-    if (directoryLength + nameLength >= CatalogWriter::kPathSize) return -1;
-    std::memcpy(temporary, catalogPath, directoryLength);
-    std::memcpy(temporary + directoryLength, name, nameLength + 1);
-    std::int32_t descriptor = hostFileCreateNew(temporary);
-    if (descriptor >= 0) return descriptor;
-    // Only a name already taken is worth another try.
-    if (!hostPathExists(temporary)) return -1;
-  }
-  return -1;
-}
 
 }  // namespace
 
@@ -273,7 +252,7 @@ CatalogWriteStatus CatalogWriter::WriteContents(std::int32_t descriptor) {
 CatalogWriteStatus CatalogWriter::Write(const char* catalogPath) {
   if (strIsEmpty(catalogPath)) return Refuse(CatalogWriteStatus::kCannotCreate, "");
   char temporary[kPathSize];
-  std::int32_t descriptor = createTemporary(catalogPath, temporary);
+  std::int32_t descriptor = hostFileCreateTemporary(catalogPath, temporary);
   if (descriptor < 0) return Refuse(CatalogWriteStatus::kCannotCreate, catalogPath);
   CatalogWriteStatus status = WriteContents(descriptor);
   if (hostFileClose(descriptor) != 0 && status == CatalogWriteStatus::kOk)

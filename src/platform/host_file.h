@@ -18,6 +18,10 @@ std::int32_t hostFileCreate(const char* path);
 // Creates a new file for writing, read and write for all less the umask, and fails if anything
 // (a symbolic link included) has that name already. The descriptor, or -1.
 std::int32_t hostFileCreateNew(const char* path);
+// Creates a new file, as hostFileCreateNew does, under a free temporary name in the directory
+// of `besidePath` (so that a rename onto `besidePath` stays in one file system). The descriptor
+// with the name in `temporary` (kHostPathSize bytes); or -1.
+std::int32_t hostFileCreateTemporary(const char* besidePath, char* temporary);
 // 0 closed, -1 not.
 std::int32_t hostFileClose(std::int32_t descriptor);
 // Bytes read (at most 0x7FFFFFFF at once), 0 at the end of the file, -1 on an error.
