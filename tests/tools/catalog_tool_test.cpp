@@ -1,9 +1,7 @@
 // Tests of tessarine-catalog, run as a user would: from a shell, in the directory of the files.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <cctype>
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -12,15 +10,11 @@
 #include "core/core.h"
 #include "files/file_manager.h"
 #include "kernel_fixture.h"
+#include "program_run.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-struct Outcome {
-  int status;
-  std::string out, err;
-};
 
 // Bytes that differ from file to file and from place to place.
 std::string generatedBytes(std::size_t size, unsigned seed) {
@@ -37,12 +31,8 @@ std::string upper(std::string text) {
 class CatalogToolTest : public ::testing::Test {
  protected:
   // Runs the tool with `arguments` (already quoted for the shell) in the work directory.
-  Outcome Run(const std::string& arguments) {
-    std::string command = "cd '" + work.path() + "' && " TESS_CATALOG_BINARY " " + arguments +
-                          " >'" + scratch.file("out") + "' 2>'" + scratch.file("err") + "'";
-    int raw = std::system(command.c_str());
-    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, readWholeFile(scratch.file("out")),
-            readWholeFile(scratch.file("err"))};
+  ProgramOutcome Run(const std::string& arguments) {
+    return runProgram(TESS_CATALOG_BINARY, work.path(), arguments, scratch);
   }
   bool Empty(const std::string& directory) const { return fs::is_empty(work.file(directory)); }
 
@@ -61,16 +51,16 @@ TEST_F(CatalogToolTest, CreateListExtractRoundTripsAndTheKernelServesEveryFile) 
     writeWholeFile(work.file(files[i].first), generatedBytes(files[i].second, i));
     names += " '" + files[i].first + "'";
   }
-  Outcome created = Run("create packed.cat" + names);
+  ProgramOutcome created = Run("create packed.cat" + names);
   ASSERT_EQ(created.status, 0) << created.err;
-  Outcome listed = Run("list --long packed.cat");
+  ProgramOutcome listed = Run("list --long packed.cat");
   EXPECT_EQ(listed.status, 0) << listed.err;
   // The tables take 28 + 12 + 16 + 17 + 17 + 264 + 6 + 8 + 8 + 8 bytes.
   EXPECT_NE(listed.out.find("         0        384  yes   A.B\n"), std::string::npos) << listed.out;
   EXPECT_NE(listed.out.find("5 files, 1052750 bytes of data\nextensions: B BIN DAT TXT\n"),
             std::string::npos) << listed.out;
   fs::create_directory(work.file("out"));
-  Outcome extracted = Run("extract packed.cat -C out");
+  ProgramOutcome extracted = Run("extract packed.cat -C out");
   EXPECT_EQ(extracted.status, 0) << extracted.err;
   EXPECT_EQ(std::distance(fs::directory_iterator(work.file("out")), fs::directory_iterator()), 5);
 
@@ -117,7 +107,7 @@ TEST_F(CatalogToolTest, MalformedCatalogsAreRefusedWithTheirReasonAndNothingIsWr
   for (const auto& [bytes, reason] : cases) {
     writeWholeFile(work.file("bad.cat"), bytes);
     for (const char* command : {"list bad.cat", "extract bad.cat -C out"}) {
-      Outcome run = Run(command);
+      ProgramOutcome run = Run(command);
       EXPECT_EQ(run.status, 1) << command << " " << bytes.size();
       EXPECT_NE(run.err.find(reason), std::string::npos) << bytes.size() << ": " << run.err;
       EXPECT_TRUE(Empty("out")) << command << " " << bytes.size();
@@ -129,7 +119,7 @@ TEST_F(CatalogToolTest, ExtractWritesNothingOutsideItsDirectory) {
   RawCatalog().Add("../ESCAPE.DAT", "x").Add("SUB/DEEP.DAT", "y").Add("..\\UP.DAT", "z")
       .Add("OK.DAT", "ok").Add("ok.dat", "hidden").Add("NOEXT", "n").WriteTo(work.file("odd.cat"));
   fs::create_directories(work.file("in/out"));
-  Outcome all = Run("extract odd.cat -C in/out");
+  ProgramOutcome all = Run("extract odd.cat -C in/out");
   EXPECT_EQ(all.status, 1);
   for (const char* refusal : {"../ESCAPE.DAT: not extracted: its name holds a directory",
                               "SUB/DEEP.DAT: not extracted: its name holds a directory",
@@ -146,7 +136,7 @@ TEST_F(CatalogToolTest, ExtractWritesNothingOutsideItsDirectory) {
   // A link in the directory is replaced, never written through.
   writeWholeFile(work.file("in/target.txt"), "outside");
   fs::create_symlink("../target.txt", work.file("in/out/OK.DAT"));
-  Outcome named = Run("extract odd.cat ok.DAT -C in/out");
+  ProgramOutcome named = Run("extract odd.cat ok.DAT -C in/out");
   EXPECT_EQ(named.status, 0) << named.err;
   EXPECT_FALSE(fs::is_symlink(work.file("in/out/OK.DAT")));
   EXPECT_EQ(readWholeFile(work.file("in/out/OK.DAT")), "ok");
@@ -160,11 +150,7 @@ TEST_F(CatalogToolTest, EveryRunGivesItsMessageAndStatus) {
   writeWholeFile(work.file("kept.cat"), "an older catalog");
   ASSERT_EQ(Run("create x.cat a.dat").status, 0);
   fs::create_directory(work.file("out"));
-  const struct {
-    std::string arguments;
-    int status;
-    std::string message;  // at the start of the output, or anywhere in the errors
-  } cases[] = {
+  const ProgramCase cases[] = {
       {"create kept.cat a.dat A.DAT", 1, "A.DAT: another file is already stored under this name"},
       {"create kept.cat noext", 1, "noext: the name has no extension"},
       {"create kept.cat missing.dat", 1, "missing.dat: can't read the file"},
@@ -182,12 +168,7 @@ TEST_F(CatalogToolTest, EveryRunGivesItsMessageAndStatus) {
       {"--help", 0, "Usage:"},
       {"--version", 0, "tessarine-catalog "},
   };
-  for (const auto& c : cases) {
-    Outcome run = Run(c.arguments);
-    EXPECT_EQ(run.status, c.status) << c.arguments;
-    EXPECT_TRUE(run.out.rfind(c.message, 0) == 0 || run.err.find(c.message) != std::string::npos)
-        << c.arguments << ": " << run.out << run.err;
-  }
+  expectRuns(TESS_CATALOG_BINARY, work.path(), cases, scratch);
   EXPECT_EQ(readWholeFile(work.file("kept.cat")), "an older catalog") << "refusals write nothing";
   EXPECT_TRUE(Empty("out"));
   EXPECT_FALSE(fs::exists(work.file("no-dir")));
