@@ -37,9 +37,9 @@ class OutputBuffer {
 
   bool valid() const { return data_ != nullptr; }
   void PutU32(std::uint32_t value) {
-    std::uint8_t bytes[4] = {static_cast<std::uint8_t>(value), static_cast<std::uint8_t>(value >> 8),
-                             static_cast<std::uint8_t>(value >> 16),
-                             static_cast<std::uint8_t>(value >> 24)};
+    std::uint8_t bytes[4] = {
+        static_cast<std::uint8_t>(value), static_cast<std::uint8_t>(value >> 8),
+        static_cast<std::uint8_t>(value >> 16), static_cast<std::uint8_t>(value >> 24)};
     Put(bytes, sizeof bytes);
   }
   void Put(const void* bytes, std::uint32_t count) {
@@ -194,8 +194,8 @@ CatalogWriteStatus CatalogWriter::Add(const char* path, const char* name) {
   strCopyN(entry->path, path, kPathSize);
   strCopyN(entry->name, upper, kPathSize);
   entry->size = static_cast<std::uint32_t>(size);
-  bool full = entries_.count == entries_.capacity &&
-              entries_.capacity * 2 >= GrowArray::kCapacityLimit;
+  bool full =
+      entries_.count == entries_.capacity && entries_.capacity * 2 >= GrowArray::kCapacityLimit;
   if (!entries_.Append(entry)) {
     memFree(entry);
     strFree(&extensionCopy);

@@ -15,7 +15,7 @@ enum class CatalogWriteStatus {
   kTooManyFiles,      // the file list can't grow any further
   kUnreadable,        // the file can't be opened or read
   kChanged,           // the file's size changed between Add and Write
-  kNoMemory,
+  kNoMemory,          // the kernel's heap gave no block
   kCannotCreate,      // no temporary file could be made beside the catalog
   kWriteFailed,       // writing or renaming the catalog failed
 };

@@ -176,7 +176,8 @@ bool extractOne(CatalogFileHeader* entry, const char* directory, char* buffer, s
   std::int32_t descriptor = hostFileCreateTemporary(target, temporary);
   const char* failure = descriptor < 0 ? "can't create a file in the target directory" : nullptr;
   std::uint64_t copied = 0;
-  for (std::int32_t got; !failure && (got = gFMG->ReadFile(handle, buffer, kCopyBufferSize)) != 0;) {
+  for (std::int32_t got;
+       !failure && (got = gFMG->ReadFile(handle, buffer, kCopyBufferSize)) != 0;) {
     if (got < 0) {
       failure = "can't read the stored file";
     } else if (hostFileWrite(descriptor, buffer, static_cast<std::uint32_t>(got)) != got) {
@@ -186,7 +187,8 @@ bool extractOne(CatalogFileHeader* entry, const char* directory, char* buffer, s
   }
   gFMG->CloseFile(handle);
   if (!failure && copied != entry->size) failure = "the stored file ended early";
-  if (descriptor >= 0 && hostFileClose(descriptor) != 0 && !failure) failure = "can't write the file";
+  if (descriptor >= 0 && hostFileClose(descriptor) != 0 && !failure)
+    failure = "can't write the file";
   if (!failure && hostFileRename(temporary, target) != 0) failure = "can't write the file";
   if (!failure) return true;
   if (descriptor >= 0) hostFileRemove(temporary);

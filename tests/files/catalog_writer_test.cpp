@@ -116,38 +116,35 @@ TEST_F(CatalogWriterTest, RefusesATotalPastTheThirtyTwoBitOffsets) {
 }
 
 TEST_F(CatalogWriterTest, AFailedWriteLeavesTheOldCatalogAndNoTemporaryFile) {
-  const std::string old = "an old catalog";
-  writeWholeFile(dir_.file("out.cat"), old);
+  writeWholeFile(dir_.file("out.cat"), "an old catalog");
   std::filesystem::create_directory(dir_.file("taken.cat"));
   using S = CatalogWriteStatus;
   const struct {
-    const char* name;
-    std::string (*change)(const std::string& hostPath);  // done between Add and Write
-    std::string catalog;
+    const char* change;  // s.dat's bytes between Add and Write; null: removed
+    const char* catalog;
     S status;
+    bool namesSource;  // failedName is s.dat rather than the catalog
   } rows[] = {
-      {"grown", [](const std::string& p) { return writeWholeFile(p, "source, grown"), p; }, "out.cat",
-       S::kChanged},
-      {"shrunk", [](const std::string& p) { return writeWholeFile(p, "sh"), p; }, "out.cat",
-       S::kChanged},
-      {"removed", [](const std::string& p) { return std::filesystem::remove(p), p; }, "out.cat",
-       S::kUnreadable},
-      {"no such folder", [](const std::string& p) { return p; }, "none/out.cat", S::kCannotCreate},
-      {"a folder's name", [](const std::string& p) { return p; }, "taken.cat", S::kWriteFailed},
+      {"source, grown", "out.cat", S::kChanged, true},
+      {"short", "out.cat", S::kChanged, true},
+      {nullptr, "out.cat", S::kUnreadable, true},
+      {"source", "taken.cat", S::kWriteFailed, false},  // the rename onto a folder fails
   };
   for (const auto& row : rows) {
     CatalogWriter writer;
     ASSERT_EQ(writer.Add(Source("x.dat", "x").c_str()), S::kOk);
-    ASSERT_EQ(writer.Add(Source("s.dat", "source").c_str()), S::kOk);
-    std::string changed = systemPath(row.change(dir_.file("s.dat")));
-    std::string catalog = systemPath(dir_.file(row.catalog));
-    EXPECT_EQ(writer.Write(catalog.c_str()), row.status) << row.name;
-    EXPECT_EQ(std::string(writer.failedName), row.status == S::kChanged || row.status == S::kUnreadable
-                                                  ? changed
-                                                  : catalog) << row.name;
-    EXPECT_EQ(readWholeFile(dir_.file("out.cat")), old) << row.name;
+    const std::string source = Source("s.dat", "source"),
+                      catalog = systemPath(dir_.file(row.catalog));
+    ASSERT_EQ(writer.Add(source.c_str()), S::kOk);
+    if (row.change)
+      writeWholeFile(dir_.file("s.dat"), row.change);
+    else
+      std::filesystem::remove(dir_.file("s.dat"));
+    EXPECT_EQ(writer.Write(catalog.c_str()), row.status) << (row.change ? row.change : "removed");
+    EXPECT_EQ(std::string(writer.failedName), row.namesSource ? source : catalog);
+    EXPECT_EQ(readWholeFile(dir_.file("out.cat")), "an old catalog");
     std::filesystem::remove(dir_.file("s.dat"));
-    EXPECT_EQ(Listing(), "out.cat taken.cat x.dat") << row.name;
+    EXPECT_EQ(Listing(), "out.cat taken.cat x.dat") << "no temporary file is left";
   }
 }
 

@@ -13,8 +13,8 @@ void PackedCatalog::WriteTo(const std::string& path) const {
     std::string source = sources.file(std::to_string(i));
     writeWholeFile(source, files_[i].second);
     CatalogWriteStatus status = writer.Add(systemPath(source).c_str(), files_[i].first.c_str());
-    EXPECT_EQ(status, CatalogWriteStatus::kOk) << files_[i].first << ": "
-                                               << catalogWriteMessage(status);
+    EXPECT_EQ(status, CatalogWriteStatus::kOk)
+        << files_[i].first << ": " << catalogWriteMessage(status);
   }
   CatalogWriteStatus status = writer.Write(systemPath(path).c_str());
   EXPECT_EQ(status, CatalogWriteStatus::kOk) << path << ": " << catalogWriteMessage(status);
