@@ -128,7 +128,11 @@ int list(const char* argument, bool longList, std::FILE* out, std::FILE* err) {
     std::fprintf(out, "%10u %10u  ", entry->size, entry->offset);
     const char* hidden = longList ? hiddenReason(catalog, i) : nullptr;
     if (longList) std::fprintf(out, "%-5s ", hidden ? "no" : "yes");
-    std::fprintf(out, hidden ? "%s  (%s)\n" : "%s\n", entry->name, hidden);
+    if (hidden) {
+      std::fprintf(out, "%s  (%s)\n", entry->name, hidden);
+    } else {
+      std::fprintf(out, "%s\n", entry->name);
+    }
   }
   std::fprintf(out, "%d files, %u bytes of data\nextensions:", catalog->headerList.count,
                catalog->header.dataSize);
