@@ -245,8 +245,8 @@ TEST_F(FileManagerTest, AClosedCatalogOrAFailedCreateLeavesTheFileLastUsedFirst)
   };
   writeWholeFile(dir_.file("disk.txt"), "from disk");
   for (int i = 0; i < 3; i++) {
-    OpenCatalog("packed.cat", CatalogWriter().Add("A.TXT", "packed"));
-    OpenCatalog("other.cat", CatalogWriter().Add("B.TXT", "other"));
+    OpenCatalog("packed.cat", PackedCatalog().Add("A.TXT", "packed"));
+    OpenCatalog("other.cat", PackedCatalog().Add("B.TXT", "other"));
     std::int32_t shared = gFMG->OpenFile("disk.txt");
     std::int32_t handle = 0;
     while (handle < shared) handle = gFMG->OpenFile("a.txt");  // the same number, last used
