@@ -164,8 +164,9 @@ const char* unextractableReason(CatalogFile* catalog, std::int32_t index, const 
   return nullptr;
 }
 
-// Reads the entry through gFMG into a new temporary file in the directory, renamed into place
-// when complete, so that a link of that name is replaced rather than followed.
+// Reads the entry through gFMG into a new file of its name in the directory. Where that name is
+// taken, the bytes go to a new temporary file renamed into place when complete, so that a link
+// of that name is replaced rather than followed.
 bool extractOne(CatalogFileHeader* entry, const char* directory, char* buffer, std::FILE* err) {
   char target[kPathSize];
   char temporary[kPathSize];
@@ -177,7 +178,13 @@ bool extractOne(CatalogFileHeader* entry, const char* directory, char* buffer, s
     std::fprintf(err, "%s: %s: can't read the stored file\n", kProgram, entry->name);
     return false;
   }
-  std::int32_t descriptor = hostFileCreateTemporary(target, temporary);
+  std::int32_t descriptor = hostFileCreateNew(target);
+  bool replacing = descriptor < 0;
+  if (replacing) {
+    descriptor = hostFileCreateTemporary(target, temporary);
+  } else {
+    std::memcpy(temporary, target, sizeof temporary);
+  }
   const char* failure = descriptor < 0 ? "can't create a file in the target directory" : nullptr;
   std::uint64_t copied = 0;
   for (std::int32_t got;
@@ -193,7 +200,8 @@ bool extractOne(CatalogFileHeader* entry, const char* directory, char* buffer, s
   if (!failure && copied != entry->size) failure = "the stored file ended early";
   if (descriptor >= 0 && hostFileClose(descriptor) != 0 && !failure)
     failure = "can't write the file";
-  if (!failure && hostFileRename(temporary, target) != 0) failure = "can't write the file";
+  if (!failure && replacing && hostFileRename(temporary, target) != 0)
+    failure = "can't write the file";
   if (!failure) return true;
   if (descriptor >= 0) hostFileRemove(temporary);
   std::fprintf(err, "%s: %s: %s\n", kProgram, shown, failure);
