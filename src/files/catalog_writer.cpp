@@ -75,6 +75,7 @@ class OutputBuffer {
     }
     return 1;
   }
+  bool failed() const { return failed_; }
   // Writes what is left; true if every byte reached the file.
   bool Finish() {
     Flush();
@@ -82,7 +83,8 @@ class OutputBuffer {
   }
 
  private:
-  std::uint32_t Room() const { return failed_ ? kBufferSize : kBufferSize - used_; }
+  std::uint32_t Room() const { return kBufferSize - used_; }
+  // After a failure the bytes are dropped: the catalog is lost anyway.
   void Flush() {
     if (!failed_ && used_ > 0 &&
         hostFileWrite(descriptor_, data_, used_) != static_cast<std::int32_t>(used_)) {
@@ -105,6 +107,8 @@ const char* catalogWriteMessage(CatalogWriteStatus status) {
       return "";
     case CatalogWriteStatus::kNameTooLong:
       return "the name is too long for a catalog (at most 258 bytes)";
+    case CatalogWriteStatus::kNotPlainName:
+      return "the name holds a directory, and catalogs store plain file names";
     case CatalogWriteStatus::kNoExtension:
       return "the name has no extension, and catalog files are found by their extension";
     case CatalogWriteStatus::kExtensionTooLong:
@@ -161,6 +165,7 @@ CatalogWriteStatus CatalogWriter::Add(const char* path, const char* name) {
   const char* given = name ? name : slash ? slash + 1 : path;
   if (strnlen(given, kPathSize) > static_cast<std::size_t>(kMaxNameLength))
     return Refuse(CatalogWriteStatus::kNameTooLong, path);
+  if (std::strpbrk(given, "\\/")) return Refuse(CatalogWriteStatus::kNotPlainName, path);
   char upper[kPathSize];
   char extension[kPathSize];
   strCopyN(upper, given, kPathSize);
@@ -231,7 +236,7 @@ CatalogWriteStatus CatalogWriter::WriteContents(std::int32_t descriptor) {
   for (std::int32_t i = 0; i < extensions_.count; i++)
     out.PutText(static_cast<const char*>(extensions_.data[i]));
 
-  for (std::int32_t i = 0; i < entries_.count; i++) {
+  for (std::int32_t i = 0; i < entries_.count && !out.failed(); i++) {
     WriterEntry* entry = entryAt(entries_, i);
     std::int32_t source = hostFileOpenRead(entry->path, HostAccess::kSequential);
     if (source < 0) return Refuse(CatalogWriteStatus::kUnreadable, entry->path);

@@ -8,6 +8,7 @@
 enum class CatalogWriteStatus {
   kOk,
   kNameTooLong,       // 259 bytes or more: the name field, with its NUL, must stay below 260
+  kNotPlainName,      // a `\` or `/` in the name: a catalog holds no directories
   kNoExtension,       // the kernel finds catalog files by their extension
   kExtensionTooLong,  // over 255 bytes: the reader would cut it
   kNameTaken,         // another file is stored under the same upper-case name

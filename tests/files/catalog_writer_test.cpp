@@ -2,7 +2,9 @@
 #include "files/catalog_writer.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
+#include <csignal>
 #include <filesystem>
 #include <set>
 #include <string>
@@ -77,6 +79,8 @@ TEST_F(CatalogWriterTest, RefusesNamesTheReaderCouldNotTakeAndAddsNothingThen) {
       {kept, std::string(255, 'n') + ".DAT", S::kNameTooLong},
       {kept, "X." + std::string(255, 'e'), S::kOk},
       {kept, "Y." + std::string(256, 'e'), S::kExtensionTooLong},
+      {kept, "SUB\\X.DAT", S::kNotPlainName},
+      {kept, "SUB/X.DAT", S::kNotPlainName},
       {kept, "NOEXT", S::kNoExtension},
       {kept, "TRAILING.", S::kNoExtension},
       {kept, "", S::kOk},
@@ -146,6 +150,25 @@ TEST_F(CatalogWriterTest, AFailedWriteLeavesTheOldCatalogAndNoTemporaryFile) {
     std::filesystem::remove(dir_.file("s.dat"));
     EXPECT_EQ(Listing(), "out.cat taken.cat x.dat") << "no temporary file is left";
   }
+}
+
+TEST_F(CatalogWriterTest, AWriteTheFileSystemCutsShortFailsAndLeavesNothing) {
+  // Far more data than the buffer holds follows the failed write: none of it may be kept.
+  CatalogWriter writer;
+  for (const char* name : {"a.dat", "b.dat", "c.dat"})
+    ASSERT_EQ(writer.Add(Source(name, std::string(1500000, *name)).c_str()),
+              CatalogWriteStatus::kOk);
+  rlimit saved;
+  getrlimit(RLIMIT_FSIZE, &saved);
+  rlimit small = saved;
+  small.rlim_cur = 100000;
+  std::signal(SIGXFSZ, SIG_IGN);  // a write past the limit fails instead of ending the process
+  setrlimit(RLIMIT_FSIZE, &small);
+  CatalogWriteStatus status = writer.Write(Catalog().c_str());
+  setrlimit(RLIMIT_FSIZE, &saved);
+  EXPECT_EQ(status, CatalogWriteStatus::kWriteFailed);
+  EXPECT_EQ(std::string(writer.failedName), Catalog());
+  EXPECT_EQ(Listing(), "a.dat b.dat c.dat");
 }
 
 TEST_F(CatalogWriterTest, ExhaustedMemoryAtEachAllocationWritesNothingAndLeaksNothing) {
