@@ -14,8 +14,19 @@
 namespace {
 
 constexpr std::uint32_t kMaxTransfer = 0x7FFFFFFF;
+constexpr int kTemporaryTries = 10000;
 
 int openFlagsOf(int flags) { return flags | O_CLOEXEC; }
+
+// A new file, never one that exists nor through a symbolic link; -1 with errno set otherwise.
+std::int32_t createExclusive(const HostPath& hostPath) {
+  int descriptor;
+  do {
+    descriptor =
+        open(hostPath.text(), openFlagsOf(O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW), 0666);
+  } while (descriptor < 0 && errno == EINTR);
+  return descriptor < 0 ? -1 : descriptor;
+}
 
 }  // namespace
 
@@ -46,6 +57,33 @@ std::int32_t hostFileCreate(const char* path) {
     descriptor = open(hostPath.text(), openFlagsOf(O_WRONLY | O_CREAT | O_TRUNC), 0666);
   } while (descriptor < 0 && errno == EINTR);
   return descriptor < 0 ? -1 : descriptor;
+}
+
+std::int32_t hostFileCreateNew(const char* path) {
+  HostPath hostPath(path);
+  if (!hostPath.valid()) return -1;
+  return createExclusive(hostPath);
+}
+
+std::int32_t hostFileCreateTemporary(const char* besidePath, char* temporary) {
+  if (!besidePath || !temporary) return -1;
+  const char* slash = std::strrchr(besidePath, '\\');
+  std::size_t directoryLength = slash ? static_cast<std::size_t>(slash - besidePath) + 1 : 0;
+  char name[32];
+  for (int attempt = 0; attempt < kTemporaryTries; attempt++) {
+    auto nameLength = static_cast<std::size_t>(
+        std::snprintf(name, sizeof name, "~tess%04d.tmp", attempt));
+    if (directoryLength + nameLength >= static_cast<std::size_t>(kHostPathSize)) return -1;
+    std::memcpy(temporary, besidePath, directoryLength);
+    std::memcpy(temporary + directoryLength, name, nameLength + 1);
+    HostPath hostPath(temporary);
+    if (!hostPath.valid()) return -1;
+    std::int32_t descriptor = createExclusive(hostPath);
+    if (descriptor >= 0) return descriptor;
+    // Only a name already taken is worth another try.
+    if (errno != EEXIST) return -1;
+  }
+  return -1;
 }
 
 std::int32_t hostFileClose(std::int32_t descriptor) {
@@ -119,6 +157,15 @@ std::int32_t hostFileRemove(const char* path) {
   HostPath hostPath(path);
   return hostPath.valid() && std::remove(hostPath.text()) == 0 ? 0 : -1;
 }
+
+std::int32_t hostFileRename(const char* from, const char* to) {
+  HostPath hostFrom(from);
+  HostPath hostTo(to);
+  if (!hostFrom.valid() || !hostTo.valid()) return -1;
+  return std::rename(hostFrom.text(), hostTo.text()) == 0 ? 0 : -1;
+}
+
+const char kHostNoFileDirectory[] = "\\dev\\null";
 
 int hostGetCurrentDirectory(char* buffer, std::int32_t size) {
   if (!buffer) return 0;

@@ -15,6 +15,13 @@ std::int32_t hostFileOpenRead(const char* path, HostAccess access);
 // Creates a file for writing, or empties one that exists; a new file gets read and write for
 // all, less the umask. The descriptor, or -1.
 std::int32_t hostFileCreate(const char* path);
+// Creates a new file for writing, read and write for all less the umask, and fails if anything
+// (a symbolic link included) has that name already. The descriptor, or -1.
+std::int32_t hostFileCreateNew(const char* path);
+// Creates a new file, as hostFileCreateNew does, under a free temporary name in the directory
+// of `besidePath` (so that a rename onto `besidePath` stays in one file system). The descriptor
+// with the name in `temporary` (kHostPathSize bytes); or -1.
+std::int32_t hostFileCreateTemporary(const char* besidePath, char* temporary);
 // 0 closed, -1 not.
 std::int32_t hostFileClose(std::int32_t descriptor);
 // Bytes read (at most 0x7FFFFFFF at once), 0 at the end of the file, -1 on an error.
@@ -34,6 +41,13 @@ std::FILE* hostFileOpenStream(const char* path, const char* mode);
 int hostPathExists(const char* path);
 // 0 removed, -1 not.
 std::int32_t hostFileRemove(const char* path);
+// Puts the file `from` in the place of `to` in one step, replacing what was there (a symbolic
+// link itself, not its target). Both in one file system. 0 renamed, -1 not.
+std::int32_t hostFileRename(const char* from, const char* to);
+
+// A system path under which no file can exist (the host's null device is no directory): as a
+// search directory it leaves every name to the catalogs.
+extern const char kHostNoFileDirectory[];
 
 // The working directory, in the system's form, into `buffer` of `size` bytes. 1 done; 0 with
 // the buffer cleared if the host can't tell or the directory can't be represented (see

@@ -4,7 +4,6 @@
 #include <cstring>
 
 #include "base/path_util.h"
-#include "core/core.h"
 #include "files/file_manager.h"
 #include "gun/gun_commands.h"
 #include "gun/gun_file.h"
@@ -12,12 +11,14 @@
 #include "platform/host_file.h"
 #include "tools/console_list_view.h"
 #include "tools/gun_dump.h"
+#include "tools/tool_kernel.h"
 
 namespace {
 
-constexpr int kOk = 0;
-constexpr int kFailed = 1;
-constexpr int kUsage = 2;
+constexpr char kProgram[] = "tessarine-convert";
+constexpr int kOk = kToolOk;
+constexpr int kFailed = kToolFailed;
+constexpr int kUsage = kToolUsage;
 constexpr int kPathSize = 260;
 // Room for a derived name that would be too long, so that it is refused rather than cut.
 constexpr int kLongSize = 2 * kPathSize;
@@ -33,12 +34,8 @@ const char kUsageText[] =
     "A name without an extension gets .INI, as in the editor. Exit status: 0 done,\n"
     "1 failed, 2 wrong usage.\n";
 
-// The host path in the system's form, or a message on `err` and false.
 bool toSystemPath(const char* hostPath, char* out, std::FILE* err) {
-  HostPathResult result = hostPathToSystem(hostPath, out, kPathSize);
-  if (result == HostPathResult::kOk) return true;
-  std::fprintf(err, "tessarine-convert: %s: %s\n", hostPath, hostPathMessage(result));
-  return false;
+  return toolSystemPath(kProgram, hostPath, out, err);
 }
 
 // A derived name, made in a buffer larger than a path so that a cut shows: false, with a
@@ -120,19 +117,6 @@ int dump(const char* argument, std::FILE* out, std::FILE* err) {
   return GunDumpFile(path, argument, out, err) ? kOk : kFailed;
 }
 
-// Runs `work` between bring-up and shutdown of the kernel.
-template <typename Work>
-int withKernel(Work work, std::FILE* err) {
-  int status = kFailed;
-  if (CoreStartup() && gFMG) {
-    status = work();
-  } else {
-    std::fputs("tessarine-convert: the kernel's services could not be brought up\n", err);
-  }
-  CoreShutdown();
-  return status;
-}
-
 }  // namespace
 
 int ConvertMain(int argc, char** argv, std::FILE* out, std::FILE* err) {
@@ -145,10 +129,10 @@ int ConvertMain(int argc, char** argv, std::FILE* out, std::FILE* err) {
     return kOk;
   }
   if (argc == 3 && std::strcmp(argv[1], "--dump") == 0) {
-    return withKernel([&] { return dump(argv[2], out, err); }, err);
+    return toolWithKernel(kProgram, [&] { return dump(argv[2], out, err); }, err);
   }
   if (argc == 3 && argv[1][0] != '-' && argv[2][0] != '-') {
-    return withKernel([&] { return convert(argv[1], argv[2], err); }, err);
+    return toolWithKernel(kProgram, [&] { return convert(argv[1], argv[2], err); }, err);
   }
   std::fputs(kUsageText, err);
   return kUsage;

@@ -10,10 +10,10 @@
 #include <sstream>
 #include <string>
 
-#include "catalog_writer.h"
 #include "comma_locale.h"
 #include "files/file_manager.h"
 #include "kernel_fixture.h"
+#include "packed_catalog.h"
 #include "platform/host_heap.h"
 
 namespace {
@@ -83,7 +83,7 @@ TEST_F(IniFileTest, ReadsTheDialect) {
 // in line order, behind all sections of the including file, whose key list an include ends.
 TEST_F(IniFileTest, ReadsIncludesFromACatalogLikeFromDisk) {
   TraceCapture trace;
-  CatalogWriter catalog;
+  PackedCatalog catalog;
   catalog.Add("MAIN.INI", "[M]\nk=1\nK=2\n#INCLUDE one.ini x\nlost=1\n[M2]\n#include\tnever.ini\n"
                           "# include never.ini\n#include\n#include \"two words.ini\" x\n"
                           "#include loose.ini\n")

@@ -8,17 +8,20 @@
 #include <vector>
 
 #include "base/memory_manager.h"
-#include "catalog_writer.h"
+#include "catalog_bytes.h"
 #include "kernel_fixture.h"
+#include "packed_catalog.h"
 
 namespace {
 
 const std::string kNul(1, '\0');
-// Tables end at 72; A.DAT's bytes lie at 72, B.INI's at 77.
-const std::string kTwoFiles = CatalogWriter().Add("A.DAT", "aaaaa").Add("b.ini", "bbb").Bytes();
 
 class CatalogFileTest : public KernelTest {
  protected:
+  void SetUp() override {
+    KernelTest::SetUp();
+    twoFiles_ = PackedCatalog().Add("A.DAT", "aaaaa").Add("b.ini", "bbb").Bytes();
+  }
   // Writes `bytes` as the catalog file and loads it; the load's traces go to lines_.
   CatalogFile* Load(const std::string& bytes) {
     writeWholeFile(dir_.file("t.cat"), bytes);
@@ -49,6 +52,8 @@ class CatalogFileTest : public KernelTest {
   TempDir dir_;
   std::string path_ = systemPath(dir_.file("t.cat"));
   std::vector<std::string> lines_;
+  // Tables end at 72; A.DAT's bytes lie at 72, B.INI's at 77.
+  std::string twoFiles_;
 };
 
 }  // namespace
@@ -94,16 +99,16 @@ TEST_F(CatalogFileTest, MalformedCatalogsLoadOrFailAsDocumented) {
 TEST_F(CatalogFileTest, EveryPrefixFailsAtTheFirstCutFieldOrReadsWhatIsThere) {
   // Cuts in the header, the 14-byte name entries and the 8-byte extension entries are reported.
   const std::string cut = "Error while reading catalog %P: unable to read ";
-  for (std::size_t size = 0; size < kTwoFiles.size(); size++) {
+  for (std::size_t size = 0; size < twoFiles_.size(); size++) {
     std::string message = size < 28   ? "Error reading CatalogHeader for %P!"
                           : size < 56 ? cut + "filename " + std::to_string((size - 28) / 14) + "!"
                           : size < 72 ? cut + "extension " + std::to_string((size - 56) / 8) + "!"
                                       : "";
     std::int64_t before = LiveBlocks();
-    CatalogFile* catalog = Load(kTwoFiles.substr(0, size));
+    CatalogFile* catalog = Load(twoFiles_.substr(0, size));
     EXPECT_EQ(lines_, Traced(message)) << size;
     // Only stored bytes missing: the tables load and B.INI gives what is left of it.
-    std::string left = size > 77 ? kTwoFiles.substr(77, size - 77) : "";
+    std::string left = size > 77 ? twoFiles_.substr(77, size - 77) : "";
     EXPECT_EQ(ReadBIni(catalog), message.empty() ? left : "<none>") << size;
     delete catalog;
     EXPECT_EQ(LiveBlocks(), before) << size;
@@ -113,7 +118,7 @@ TEST_F(CatalogFileTest, EveryPrefixFailsAtTheFirstCutFieldOrReadsWhatIsThere) {
 TEST_F(CatalogFileTest, RandomBytesLoadOrFailCleanly) {
   std::mt19937 random(20240611);
   for (int round = 0; round < 400; round++) {
-    std::string bytes = kTwoFiles;  // a valid catalog with a few bytes changed
+    std::string bytes = twoFiles_;  // a valid catalog with a few bytes changed
     for (int n = 1 + random() % 4; n > 0; n--)
       bytes[random() % bytes.size()] = static_cast<char>(random());
     if (round % 2) {  // noise, behind a valid magic every other time

@@ -9,8 +9,9 @@
 #include <thread>
 #include <vector>
 
-#include "catalog_writer.h"
+#include "catalog_bytes.h"
 #include "kernel_fixture.h"
+#include "packed_catalog.h"
 #include "platform/host_heap.h"
 
 namespace {
@@ -42,7 +43,8 @@ class FileManagerTest : public KernelTest {
   }
   // The system path of a file in the test's directory.
   std::string At(const std::string& name) const { return dirText_ + "\\" + name; }
-  void OpenCatalog(const std::string& name, const CatalogWriter& writer) {
+  template <typename Catalog>
+  void OpenCatalog(const std::string& name, const Catalog& writer) {
     writer.WriteTo(dir_.file(name));
     ASSERT_EQ(gFMG->OpenCatalog(At(name).c_str()), 1) << name;
   }
@@ -63,8 +65,8 @@ class FileManagerThreads : public FileManagerTest {};
 }  // namespace
 
 TEST_F(FileManagerTest, LooseFilesFirstThenCatalogsInOrderOfOpening) {
-  OpenCatalog("1.cat", CatalogWriter().Add("X.DAT", "one").Add("gun.ini", "packed"));
-  OpenCatalog("2.cat", CatalogWriter().Add("x.dat", "two").Add("Y.DAT", "why"));
+  OpenCatalog("1.cat", PackedCatalog().Add("X.DAT", "one").Add("gun.ini", "packed"));
+  OpenCatalog("2.cat", PackedCatalog().Add("x.dat", "two").Add("Y.DAT", "why"));
   writeWholeFile(dir_.file("gun.ini"), "loose");
   EXPECT_EQ(ReadName("gun.ini"), "loose");
   std::filesystem::remove(dir_.file("gun.ini"));
@@ -78,8 +80,8 @@ TEST_F(FileManagerTest, LooseFilesFirstThenCatalogsInOrderOfOpening) {
 
 TEST_F(FileManagerTest, HandlesCountFromOnePerCatalogAndReadsAlternate) {
   const std::string big = "ABCDEFGHIJKLMNOPQRSTUVWXYZ", small = "0123456789";
-  OpenCatalog("1.cat", CatalogWriter().Add("BIG.TXT", big).Add("SMALL.TXT", small));
-  OpenCatalog("2.cat", CatalogWriter().Add("OTHER.TXT", "other"));
+  OpenCatalog("1.cat", PackedCatalog().Add("BIG.TXT", big).Add("SMALL.TXT", small));
+  OpenCatalog("2.cat", PackedCatalog().Add("OTHER.TXT", "other"));
   std::int32_t a = gFMG->OpenFile("big.txt"), b = gFMG->OpenFile("small.txt");
   EXPECT_EQ(a, 1);
   EXPECT_EQ(b, 2);
@@ -99,7 +101,7 @@ TEST_F(FileManagerTest, HandlesCountFromOnePerCatalogAndReadsAlternate) {
 }
 
 TEST_F(FileManagerTest, CatalogFilesSeekFromTheirEntryAndIgnoreOriginTwo) {
-  CatalogWriter writer = CatalogWriter().Add("PAD.BIN", "pppp").Add("S.BIN", "0123456789");
+  PackedCatalog writer = PackedCatalog().Add("PAD.BIN", "pppp").Add("S.BIN", "0123456789");
   OpenCatalog("s.cat", writer);
   // Positions are those of the catalog file.
   const auto start = static_cast<std::int32_t>(writer.Bytes().find("0123456789"));
@@ -119,8 +121,8 @@ TEST_F(FileManagerTest, CatalogFilesSeekFromTheirEntryAndIgnoreOriginTwo) {
 TEST_F(FileManagerTest, TracesTheDocumentedMessages) {
   writeWholeFile(dir_.file("disk.dat"), "disk");
   writeWholeFile(dir_.file("bad.cat"), "NOT A CATALOG AT ALL, NOT EVEN CLOSE");
-  CatalogWriter().Add("Q.DAT", "q").WriteTo(dir_.file("q.cat"));
-  OpenCatalog("p.cat", CatalogWriter().Add("P.DAT", "packed").Add("noext", "x"));
+  PackedCatalog().Add("Q.DAT", "q").WriteTo(dir_.file("q.cat"));
+  OpenCatalog("p.cat", RawCatalog().Add("P.DAT", "packed").Add("noext", "x"));
   const std::string cwd = systemPath(std::filesystem::current_path()), p = At("p.cat"),
                     upper = At("P.CAT"), q = At("q.cat"), bad = At("bad.cat"),
                     missing = At("missing.cat");
@@ -201,7 +203,7 @@ TEST_F(FileManagerThreads, TwoReadersOfOneCatalogEachGetTheirOwnBytes) {
   std::string left(6000, 'a'), right(5000, 'A');
   for (std::size_t i = 0; i < left.size(); i++) left[i] += (i * 7 + i / 251) % 26;
   for (std::size_t i = 0; i < right.size(); i++) right[i] += (i * 7 + i / 251) % 26;
-  OpenCatalog("t.cat", CatalogWriter().Add("LEFT.BIN", left).Add("RIGHT.BIN", right));
+  OpenCatalog("t.cat", PackedCatalog().Add("LEFT.BIN", left).Add("RIGHT.BIN", right));
   // Odd chunk sizes, so that the two readers interleave at every position of their entries.
   auto reader = [](const char* name, std::uint32_t chunk, std::string* out) {
     for (int pass = 0; pass < 3; pass++) {
@@ -243,8 +245,8 @@ TEST_F(FileManagerTest, AClosedCatalogOrAFailedCreateLeavesTheFileLastUsedFirst)
   };
   writeWholeFile(dir_.file("disk.txt"), "from disk");
   for (int i = 0; i < 3; i++) {
-    OpenCatalog("packed.cat", CatalogWriter().Add("A.TXT", "packed"));
-    OpenCatalog("other.cat", CatalogWriter().Add("B.TXT", "other"));
+    OpenCatalog("packed.cat", PackedCatalog().Add("A.TXT", "packed"));
+    OpenCatalog("other.cat", PackedCatalog().Add("B.TXT", "other"));
     std::int32_t shared = gFMG->OpenFile("disk.txt");
     std::int32_t handle = 0;
     while (handle < shared) handle = gFMG->OpenFile("a.txt");  // the same number, last used

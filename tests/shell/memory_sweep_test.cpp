@@ -7,7 +7,7 @@
 #include <string>
 
 #include "base/memory_manager.h"
-#include "catalog_writer.h"
+#include "catalog_bytes.h"
 #include "core/core.h"
 #include "fake_window.h"
 #include "files/file_manager.h"
@@ -61,7 +61,7 @@ class MemorySweep : public ::testing::Test {
     fs::create_directories(root_);
     writeWholeFile(root_ + "/guns.ini",
                    gunSection(1, "Alpha") + "#include PART.INI\n" + gunSection(2, "Beta"));
-    CatalogWriter().Add("PART.INI", gunSection(3, "Gamma")).WriteTo(root_ + "/PART.CAT");
+    RawCatalog().Add("PART.INI", gunSection(3, "Gamma")).WriteTo(root_ + "/PART.CAT");
     fs::current_path(root_);
     hostHeapFailNth(nth);
 

@@ -1,6 +1,5 @@
 // Tests of tessarine-convert, run as a user would: from a shell, in another directory.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -11,13 +10,9 @@
 #include "gun/gun_commands.h"
 #include "gun/gun_file.h"
 #include "kernel_fixture.h"
+#include "program_run.h"
 
 namespace {
-
-struct Outcome {
-  int status;
-  std::string out, err;
-};
 
 // A gun data file of `count` guns with every key filled and values that vary.
 std::string generatedGuns(int count) {
@@ -44,12 +39,8 @@ std::string generatedGuns(int count) {
 class ConvertTest : public ::testing::Test {
  protected:
   // Runs the converter with `arguments` (already quoted for the shell) in `directory`.
-  Outcome Convert(const std::string& directory, const std::string& arguments) {
-    std::string command = "cd '" + directory + "' && " TESS_CONVERT_BINARY " " + arguments +
-                          " >'" + scratch.file("out") + "' 2>'" + scratch.file("err") + "'";
-    int raw = std::system(command.c_str());
-    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, readWholeFile(scratch.file("out")),
-            readWholeFile(scratch.file("err"))};
+  ProgramOutcome Convert(const std::string& directory, const std::string& arguments) {
+    return runProgram(TESS_CONVERT_BINARY, directory, arguments, scratch);
   }
   TempDir work;     // where the user's files are
   TempDir scratch;  // where the user's shell stands, and the captured output
@@ -71,7 +62,7 @@ TEST_F(ConvertTest, GivesTheSameBytesAsTheLibraryForRelativeAndAbsolutePaths) {
   std::string sibling = "../" + work.path().substr(work.path().rfind('/') + 1) + "/";
   for (std::string arguments : {"'" + work.file("guns.ini") + "' '" + work.file("out.ini") + "'",
                                 "'" + sibling + "guns.ini' '" + sibling + "out.ini'"}) {
-    Outcome run = Convert(scratch.path(), arguments);
+    ProgramOutcome run = Convert(scratch.path(), arguments);
     EXPECT_EQ(run.status, 0) << arguments << ": " << run.err;
     for (const char* extension : {".ini", ".dat"}) {
       std::string expected = readWholeFile(work.file(std::string("reference") + extension));
@@ -80,7 +71,7 @@ TEST_F(ConvertTest, GivesTheSameBytesAsTheLibraryForRelativeAndAbsolutePaths) {
       std::remove(work.file(std::string("out") + extension).c_str());
     }
   }
-  Outcome dump = Convert(work.path(), "--dump reference.dat");
+  ProgramOutcome dump = Convert(work.path(), "--dump reference.dat");
   EXPECT_EQ(dump.status, 0) << dump.err;
   for (const char* line : {"reference.dat: 400 record(s)", "TypeName              = \"Gun 400\"",
                            "FireInterval (s)", "SlotD                 = -1"}) {
@@ -93,11 +84,7 @@ TEST_F(ConvertTest, EveryRunGivesItsMessageAndStatus) {
   writeWholeFile(work.file("none.ini"), "[Other]\nKey=1\n");
   writeWholeFile(work.file("odd.dat"), std::string(4 + 560 + 1, '\0'));
   ASSERT_EQ(std::system(("mkdir '" + work.file("blocked.dat") + "'").c_str()), 0);
-  struct Case {
-    std::string arguments;
-    int status;
-    std::string message;  // at the start of the output, or anywhere in the errors
-  } cases[] = {
+  const ProgramCase cases[] = {
       {"missing.ini out.ini", 1, "can't read missing.ini"},
       {"guns.ini no-dir/out.ini", 1, "can't write no-dir/out.ini"},
       {"guns.ini blocked.ini", 1, "can't write ./blocked.dat"},  // a directory
@@ -112,12 +99,7 @@ TEST_F(ConvertTest, EveryRunGivesItsMessageAndStatus) {
       {"--help", 0, "Usage:"},
       {"--version", 0, "tessarine-convert "},
   };
-  for (const Case& c : cases) {
-    Outcome run = Convert(work.path(), c.arguments);
-    EXPECT_EQ(run.status, c.status) << c.arguments;
-    EXPECT_TRUE(run.out.rfind(c.message, 0) == 0 || run.err.find(c.message) != std::string::npos)
-        << c.arguments << ": " << run.out << run.err;
-  }
+  expectRuns(TESS_CONVERT_BINARY, work.path(), cases, scratch);
   EXPECT_FALSE(std::filesystem::exists(work.file("blocked.ini"))) << "a refused target leaves nothing";
   EXPECT_EQ(readWholeFile(work.file("empty.dat")), std::string(4, '\0'));
   EXPECT_EQ(readWholeFile(work.file("empty.ini")), "");

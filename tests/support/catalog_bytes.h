@@ -1,4 +1,4 @@
-// Test support: catalog archives built byte by byte, well-formed or deliberately broken.
+// Test support: catalog archives built byte by byte, for the ones CatalogWriter would refuse.
 #pragma once
 #include <cstdint>
 #include <fstream>
@@ -26,11 +26,12 @@ inline std::string catalogField(std::int32_t length, const std::string& bytes) {
   return le32(length) + bytes;
 }
 
-// A well-formed catalog: the files end to end behind the two tables, in the order added; the
-// extension table holds each extension of the names once.
-class CatalogWriter {
+// A catalog with names as given, odd ones included (lower case, no extension): the files end to
+// end behind the two tables, in the order added; the extension table holds each extension of
+// the names once.
+class RawCatalog {
  public:
-  CatalogWriter& Add(const std::string& name, const std::string& bytes) {
+  RawCatalog& Add(const std::string& name, const std::string& bytes) {
     files_.emplace_back(name, bytes);
     return *this;
   }
