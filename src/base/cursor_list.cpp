@@ -7,8 +7,12 @@
 CursorList::~CursorList() {
   if (gMEM) {
     Clear();
-    return;
+  } else {
+    Forget();
   }
+}
+
+void CursorList::Forget() {
   current = head = tail = nullptr;
   count = 0;
   index = -1;

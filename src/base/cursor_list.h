@@ -37,6 +37,8 @@ class CursorList {
   void RemoveCurrent();
   // Removes every node; payloads aren't touched.
   void Clear();
+  // Empties the list without touching its nodes, for nodes that went with a destroyed heap.
+  void Forget();
   // The lookup pattern over payloads that begin with a pointer to their name, case-insensitive.
   // 1 found (cursor on it), 0 not found. An empty or null name is never found.
   int FindByName(const char* name);

@@ -99,6 +99,10 @@ void DebugSystem::Init(const char* name) {
   if (gLogSwitch && name) {
     std::snprintf(fileName, sizeof fileName, "%s", name);
     active = 1;
+    if (gLogSwitch == kDbgLogEverything) {
+      threshold = 0;
+      mode = 1;
+    }
   }
 }
 

@@ -1,25 +1,9 @@
 // DebugSystem: the kernel's log, and dbgTrace, the one trace call of the kernel.
 #pragma once
+#include "tessarine/plugin.h"
 #include <cstdarg>
 #include <cstdint>
 #include <cstdio>
-
-// The DBG service table; libraries call through it, so the order is fixed.
-class DebugInterface {
- public:
-  // Level 0 "TRC", 1 "MSG", 2 "WRN", 3 "ERR", 4 "OFF". Writes nothing unless active, the
-  // threshold is below 4 and the level is at least the threshold.
-  virtual void Trace(int level, const char* format, ...) = 0;
-  // Formats one line "%s|(%s) %s\n" (or "%s|%s\n" for a null tag) and writes it to the stream.
-  virtual void TraceTagged(const char* tag, int level, const char* format, va_list args) = 0;
-  virtual void TraceList(int level, const char* format, va_list args) = 0;
-  virtual void SetThreshold(int level) = 0;
-  // Mode 1 opens and closes the file for each line; any other mode leaves the stream alone.
-  virtual void SetMode(int mode) = 0;
-
- protected:
-  ~DebugInterface() = default;
-};
 
 class DebugSystem : public DebugInterface {
  public:
@@ -65,3 +49,6 @@ void dbgTrace(const char* format, ...) __attribute__((format(printf, 1, 2)));
 // For tests and libraries that want a log: on, dbgTrace forwards to gDBG and Init keeps its file
 // name and activates the log. Nothing in the program turns it on.
 void dbgSetLogSwitch(int on);
+// The switch's setting that also makes Init start at threshold 0 in mode 1, so that the lines
+// of bring-up itself are kept.
+constexpr int kDbgLogEverything = 2;

@@ -1,27 +1,11 @@
 // MemoryManager: the one private heap of the program, and memAlloc/memFree in front of it.
 #pragma once
+#include "tessarine/plugin.h"
 #include <cstdint>
 
 #include "base/spin_lock.h"
 
 struct HostHeap;
-
-// The MEM service table. Libraries call through it, so the order is fixed and the two reserved
-// operations keep their places.
-class MemoryInterface {
- public:
-  // Returns a block of at least `size` bytes, not cleared; null for a size of 0 or no memory.
-  // The three further words are accepted and ignored.
-  virtual void* Alloc(std::uint32_t size, std::uint32_t a, std::uint32_t b, std::uint32_t tag) = 0;
-  // Gives a block back; null is ignored.
-  virtual void Free(void* block) = 0;
-  virtual void ReservedA(std::uint32_t word) = 0;
-  virtual void Compact() = 0;
-  virtual void ReservedB(std::uint32_t word) = 0;
-
- protected:
-  ~MemoryInterface() = default;
-};
 
 struct MemoryRecord {
   std::uint32_t words[3] = {0, 0, 0};

@@ -5,13 +5,23 @@
 #include "base/debug_system.h"
 #include "base/memory_manager.h"
 #include "files/file_manager.h"
+#include "services/application.h"
+#include "services/clock.h"
+#include "services/dll_library_manager.h"
 #include "services/interface_manager.h"
+#include "services/options.h"
+#include "services/random_table.h"
 
 // Defined in the order of the start-up table, so construction follows it and destruction runs
 // in reverse. None of the constructors uses another service or allocates.
 CursorList GunList;
 namespace {
+Application application;
+Options options;
+Clock frameClock;
+RandomTable randomTable;
 FileManager fileManager;
+DllLibraryManager dllLibraryManager;
 MemoryManager memoryManager;
 DebugSystem debugSystem;
 InterfaceManager interfaceManager;
@@ -21,19 +31,37 @@ namespace {
 
 void registerService(const char* name, void* service) { gIM->Register(name, service, 0); }
 
+// Get and Release through the table a library sees, the pointer kept to the object behind it.
+template <typename Table, typename Service>
+void bind(const char* name, Service** global) {
+  Table* table = *global;
+  imGet(gIM, name, &table);
+  *global = static_cast<Service*>(table);
+}
+
+template <typename Table, typename Service>
+void unbind(const char* name, Service** global) {
+  Table* table = *global;
+  imRelease(gIM, name, &table);
+  *global = static_cast<Service*>(table);
+}
+
 }  // namespace
 
-// The registry hands out service tables; the program's pointers are to the objects behind them.
-void BindCoreInterfaces() {
-  FileInterface* files = nullptr;
-  imGet(gIM, "FMG", &files);
-  gFMG = static_cast<FileManager*>(files);
+void BindCoreInterfaces(Application* app) {
+  bind<DllInterface>("DLL", &gDLL);
+  bind<FileInterface>("FMG", &gFMG);
+  bind<RandomInterface>("RND", &gRND);
+  gAPP = app;
 }
 
 void UnbindCoreInterfaces() {
-  FileInterface* files = gFMG;
-  imRelease(gIM, "FMG", &files);
-  gFMG = static_cast<FileManager*>(files);
+  gAPP = nullptr;
+  unbind<RandomInterface>("RND", &gRND);
+  unbind<FileInterface>("FMG", &gFMG);
+  // While every service is still up, so that a library's ExitDLL finds them all.
+  if (gDLL) gDLL->FreeAll();
+  unbind<DllInterface>("DLL", &gDLL);
 }
 
 int CoreStartup() {
@@ -55,11 +83,24 @@ int CoreStartup() {
   registerService("MEM", static_cast<MemoryInterface*>(&memoryManager));
   dbgTrace("Memory Manager interface registered...");
 
+  dllLibraryManager.Init();
+  registerService("DLL", static_cast<DllInterface*>(&dllLibraryManager));
+  dbgTrace("DLL Library Manager initialized...");
+
   fileManager.Init();
   registerService("FMG", static_cast<FileInterface*>(&fileManager));
   dbgTrace("FileManager initialized...");
 
-  BindCoreInterfaces();
+  randomTable.Init();
+  registerService("RND", static_cast<RandomInterface*>(&randomTable));
+  frameClock.Init();
+  registerService("CLK", static_cast<ClockInterface*>(&frameClock));
+  options.Init();
+  registerService("OPT", static_cast<OptionsInterface*>(&options));
+  application.Init();
+  registerService("APP", static_cast<ApplicationInterface*>(&application));
+
+  BindCoreInterfaces(&application);
   return 1;
 }
 
@@ -67,11 +108,25 @@ namespace {
 
 // Steps 1 to 9 of the shutdown: every registered service down, then the registry.
 void shutdownRegisteredServices() {
+  application.windowHandle = nullptr;
+  application.instanceHandle = nullptr;
   UnbindCoreInterfaces();
+  gIM->Unregister("APP");
+
+  options.Shutdown();
+  gIM->Unregister("OPT");
+  frameClock.Stop();
+  gIM->Unregister("CLK");
+  gIM->Unregister("RND");
 
   dbgTrace("File Manager deinitialized...");
   fileManager.Shutdown();
   gIM->Unregister("FMG");
+
+  dbgTrace("DLL Library Manager deinitialized...");
+  // A second chance for a library that the first pass had to keep.
+  dllLibraryManager.FreeAll();
+  gIM->Unregister("DLL");
 
   gIM->Unregister("MEM");
   dbgTrace("Memory Manager interface unregistered...");
@@ -88,6 +143,8 @@ void CoreShutdown() {
   if (gIM) shutdownRegisteredServices();
   memoryManager.Shutdown();
   gMEM = nullptr;
+  // A library that no FreeAll could unload stays loaded; its record went with the heap.
+  dllLibraryManager.libraries.Forget();
 
   dbgTrace(1, "Debug System deinitialized...");
   debugSystem.Shutdown();

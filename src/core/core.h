@@ -8,7 +8,10 @@ int CoreStartup();
 // destroys the heap with whatever still lies on it.
 void CoreShutdown();
 
-// Fetches the program's own pointers to services from the registry (the last step of bring-up).
-void BindCoreInterfaces();
+class Application;
+
+// Fetches the program's own pointers to services from the registry and sets gAPP to `app` (the
+// last step of bring-up).
+void BindCoreInterfaces(Application* app);
 // Lets them go again (the first step of shutdown), before any service is unregistered.
 void UnbindCoreInterfaces();

@@ -182,6 +182,8 @@ std::int32_t FileManager::CreateFile(const char* name) {
   std::memset(record, 0, sizeof *record);
   record->catalog = nullptr;
   record->handle = -1;
+  CursorNode* lastUsed = openFiles.current;
+  std::int32_t lastUsedIndex = openFiles.index;
   if (!openFiles.Append(record)) {
     dbgTrace("Unable to add file handle list!");
     memFree(record);
@@ -189,7 +191,10 @@ std::int32_t FileManager::CreateFile(const char* name) {
   }
   std::int32_t descriptor = hostFileCreate(fullPath);
   if (descriptor < 0) {
+    // Back to where the cursor stood before the placeholder came: a failed create uses nothing.
     openFiles.RemoveCurrent();
+    openFiles.current = lastUsed;
+    openFiles.index = lastUsedIndex;
     memFree(record);
     dbgTrace("Unable to create file %s!", name);
     return -1;
@@ -242,22 +247,32 @@ std::uint32_t FileManager::GetFileSize(const char* name) {
 
 void FileManager::DestroyCurrentCatalog() {
   CatalogFile* catalog = catalogAt(catalogs);
-  // Files a client left open on the catalog go with it, so that no record points to a
-  // catalog that is gone; their numbers then answer like numbers that aren't open.
+  if (catalog->OpenFileCount > 0) DropRecordsOf(catalog);
+  delete catalog;  // traces the files that were still open on it
+  catalogs.RemoveCurrent();
+}
+
+void FileManager::DropRecordsOf(const CatalogFile* catalog) {
+  // Files a client left open on a closing catalog go with it, so that no record points to a
+  // catalog that is gone; their numbers then answer like numbers that aren't open. The cursor
+  // stays on the file last used unless it was one of them.
+  CursorNode* lastUsed = openFiles.current;
   openFiles.MoveFirst();
   while (openFiles.current) {
     FileHandleRecord* record = recordAt(openFiles);
-    if (record && record->catalog == catalog) {
-      bool wasTail = openFiles.current == openFiles.tail;
-      memFree(record);
-      openFiles.RemoveCurrent();
-      if (wasTail) break;
-    } else {
+    if (!record || record->catalog != catalog) {
       openFiles.MoveNext();
+      continue;
     }
+    if (openFiles.current == lastUsed) lastUsed = nullptr;
+    bool wasTail = openFiles.current == openFiles.tail;
+    memFree(record);
+    openFiles.RemoveCurrent();
+    if (wasTail) break;
   }
-  delete catalog;
-  catalogs.RemoveCurrent();
+  if (!lastUsed) return;
+  for (openFiles.MoveFirst(); openFiles.current != lastUsed; openFiles.MoveNext()) {
+  }
 }
 
 int FileManager::OpenCatalog(const char* path) {

@@ -3,15 +3,7 @@
 #pragma once
 #include <cstdint>
 
-// An opaque handle of the window system: a window, a cursor or the program instance.
-using HostHandle = void*;
-
-struct HostRect {
-  std::int32_t left;
-  std::int32_t top;
-  std::int32_t right;
-  std::int32_t bottom;
-};
+#include "tessarine/plugin.h"
 
 struct HostMessage {
   HostHandle window;

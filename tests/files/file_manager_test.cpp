@@ -233,3 +233,34 @@ TEST_F(FileManagerTest, DiskRefusalsLeaveNothingMoved) {
   EXPECT_EQ(byte, '4');
   gFMG->CloseFile(handle);
 }
+
+TEST_F(FileManagerTest, AClosedCatalogOrAFailedCreateLeavesTheFileLastUsedFirst) {
+  using Disturbance = std::function<void()>;
+  const Disturbance disturbances[] = {
+      [this] { gFMG->CloseCatalog(At("other.cat").c_str()); },
+      [] { gFMG->CloseAllCatalogs(); },  // drops the shared number's catalog file, not the disk's
+      [this] { EXPECT_EQ(gFMG->CreateFile(At("missing\\new.txt").c_str()), -1); },
+  };
+  writeWholeFile(dir_.file("disk.txt"), "from disk");
+  for (int i = 0; i < 3; i++) {
+    OpenCatalog("packed.cat", CatalogWriter().Add("A.TXT", "packed"));
+    OpenCatalog("other.cat", CatalogWriter().Add("B.TXT", "other"));
+    std::int32_t shared = gFMG->OpenFile("disk.txt");
+    std::int32_t handle = 0;
+    while (handle < shared) handle = gFMG->OpenFile("a.txt");  // the same number, last used
+    ASSERT_EQ(handle, shared);
+    disturbances[i]();
+    char buffer[16] = {};
+    std::int32_t got = gFMG->ReadFile(shared, buffer, sizeof buffer - 1);
+    EXPECT_STREQ(buffer, i == 1 ? "from disk" : "packed") << i;
+    EXPECT_EQ(got, i == 1 ? 9 : 6);
+    if (i != 1) {
+      EXPECT_EQ(gFMG->WriteFile(shared, "x", 1), 0) << "a catalog file takes no write";
+    }
+    while (gFMG->openFiles.count > 0) {
+      gFMG->openFiles.MoveFirst();
+      gFMG->CloseFile(static_cast<FileHandleRecord*>(gFMG->openFiles.current->payload)->handle);
+    }
+    gFMG->CloseAllCatalogs();
+  }
+}
