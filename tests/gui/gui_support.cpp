@@ -58,7 +58,7 @@ void MainWindowTest::SetUp() {
 
 void MainWindowTest::Activate() {
   window_->activateWindow();
-  QTest::qWaitForWindowActive(window_);
+  EXPECT_TRUE(QTest::qWaitForWindowActive(window_));
 }
 
 void MainWindowTest::TearDown() {

@@ -6,6 +6,7 @@
 
 #include "gui_support.h"
 #include "platform/host_window.h"
+#include "services/application.h"
 #include "shell/qt/edit_gun_form.h"
 #include "shell/qt/gun_list_control.h"
 #include "shell/qt/tessarine_app.h"
@@ -29,6 +30,8 @@ TEST(Program, WritesTheSettingsAtStartAndCloseAndReopensInPlace) {
   const std::string settings = root.file("Tessarine.ini");
   runProgram(root.path(), [&](GunListDialog* window) {
     EXPECT_EQ(window->windowHandle()->title(), "Untitled");
+    EXPECT_EQ(gAPP->GetWindowHandle(), static_cast<QWidget*>(window));
+    EXPECT_EQ(gAPP->GetInstanceHandle(), qApp);
     EXPECT_EQ(readWholeFile(settings), "[Tessarine]\nTargetDirectory=" + systemPath(root.path()) +
                                            "\nPositionX=0\nPositionY=0\n\n");
     EXPECT_EQ(window->frameGeometry().topLeft(), QPoint(0, 0));

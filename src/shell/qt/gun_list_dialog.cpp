@@ -6,6 +6,7 @@
 #include <QPushButton>
 
 #include "gun/gun_commands.h"
+#include "services/application.h"
 #include "shell/document.h"
 #include "shell/qt/edit_gun_form.h"
 #include "shell/qt/gun_list_control.h"
@@ -94,6 +95,8 @@ int GunListDialog::DoModal() {
 
 void GunListDialog::OnInitDialog() {
   setWindowIcon(m_hIcon);
+  gMainWindowHandle = static_cast<QWidget*>(this);
+  ApplicationTakeHandles();
   InsertColumns();
   ShellWindowOpened(this);
   list_->setFocus();

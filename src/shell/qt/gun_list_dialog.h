@@ -19,8 +19,9 @@ class GunListDialog : public TemplateDialog, public ShellWindow {
   // OnInitDialog, the modal run, then DestroyWindow if closing hasn't run it yet. Returns the
   // run's result (2 after the Close command).
   int DoModal();
-  // The steps as the window opens: icon, handles, the document's start, the columns, the
-  // settings, an empty "Untitled" document, the focus in the list.
+  // The steps as the window opens: icon, the handles to the Application, the columns, the
+  // chooser record, placement, save prompt and settings, an empty "Untitled" document, and the
+  // focus in the list.
   void OnInitDialog();
   // The steps as it closes, with the window still there: the settings, then the guns go.
   void DestroyWindow();

@@ -2,13 +2,18 @@
 // and shutdown.
 #include "shell/qt/tessarine_app.h"
 
+#include <QApplication>
+
 #include "core/core.h"
+#include "services/application.h"
 #include "shell/qt/gun_list_dialog.h"
 
 int InitInstance() {
   GunListDialog dialog;
   // The result isn't looked at: the bring-up always reaches its end.
   CoreStartup();
+  // Told to the Application service with the window's handle, as the window opens.
+  gInstanceHandle = qApp;
   dialog.DoModal();
   CoreShutdown();
   return 0;
