@@ -22,12 +22,10 @@
 
 #include "bench_guns.h"
 #include "core/core.h"
-#include "platform/host_window.h"
 #include "platform/number_text.h"
 #include "shell/document.h"
 #include "shell/qt/gun_list_control.h"
 #include "shell/qt/gun_list_dialog.h"
-#include "shell/qt/qt_window_calls.h"
 #include "shell/qt/tessarine_app.h"
 
 namespace {
@@ -137,22 +135,16 @@ void minimalDialogProgram(int done) {
   dialog.exec();
 }
 
-// The editor's main, with the watch added: the application object, the numeric locale, the
-// window calls and InitInstance, in a scratch start-up directory.
+// The editor's main with the watch added, in a scratch start-up directory.
 void editorProgram(int done) {
   ScratchDirectory scratch;
-  int argc = 1;
   char name[] = "tessarine";
-  char* argv[] = {name, nullptr};
-  QApplication application(argc, argv);
-  std::setlocale(LC_NUMERIC, "C");
-  QtWindowCalls windowCalls;
-  hostInstallWindowCalls(&windowCalls);
-  FirstPaint<GunListDialog> watch;
-  application.installEventFilter(&watch);
-  reportFirstPaint(done, &watch);
-  InitInstance();
-  hostInstallWindowCalls(nullptr);
+  runWithQt(name, [done] {
+    FirstPaint<GunListDialog> watch;
+    qApp->installEventFilter(&watch);
+    reportFirstPaint(done, &watch);
+    return InitInstance();
+  });
 }
 
 void MinimalQtDialogStartToFirstPaint(benchmark::State& state) {

@@ -21,11 +21,18 @@ start_xvfb() {
   # libdbus leaks and waits without a session bus; the editor needs none.
   export DBUS_SESSION_BUS_ADDRESS=disabled:
   export QT_QPA_PLATFORM=xcb
+  if [ -z "${XDG_RUNTIME_DIR:-}" ]; then
+    XDG_RUNTIME_DIR=$(mktemp -d)
+    export XDG_RUNTIME_DIR
+    own_runtime_dir=$XDG_RUNTIME_DIR
+  fi
 }
 
 stop_xvfb() {
   [ -n "${xvfb_pid:-}" ] && kill "$xvfb_pid" 2>/dev/null && wait "$xvfb_pid" 2>/dev/null
   xvfb_pid=""
+  [ -n "${own_runtime_dir:-}" ] && rm -rf "$own_runtime_dir"
+  own_runtime_dir=""
 }
 
 # Waits up to 20 seconds for a window whose title is exactly $1 and prints its id.

@@ -1,20 +1,13 @@
-// The GUI tests' entry point: a QApplication on the offscreen platform around GoogleTest.
+// The GUI tests' entry point: the editor's Qt process on the offscreen platform around GoogleTest.
 #include <gtest/gtest.h>
 
-#include <QApplication>
-#include <clocale>
+#include <QByteArray>
+#include <QtGlobal>
 
-#include "platform/host_window.h"
-#include "shell/qt/qt_window_calls.h"
+#include "shell/qt/tessarine_app.h"
 
 int main(int argc, char** argv) {
   if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
   ::testing::InitGoogleTest(&argc, argv);
-  QApplication application(argc, argv);
-  std::setlocale(LC_NUMERIC, "C");
-  QtWindowCalls windowCalls;
-  hostInstallWindowCalls(&windowCalls);
-  int result = RUN_ALL_TESTS();
-  hostInstallWindowCalls(nullptr);
-  return result;
+  return runWithQt(argv[0], [] { return RUN_ALL_TESTS(); });
 }

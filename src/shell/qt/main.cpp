@@ -1,11 +1,8 @@
 // The editor's entry point: the Qt application object, then InitInstance. No command line.
-#include <QApplication>
 #include <QFileInfo>
-#include <clocale>
+#include <QString>
 #include <cstdlib>
 
-#include "platform/host_window.h"
-#include "shell/qt/qt_window_calls.h"
 #include "shell/qt/tessarine_app.h"
 
 namespace {
@@ -29,15 +26,5 @@ void preferXcbUnderWayland() {
 
 int main(int, char** argv) {
   preferXcbUnderWayland();
-  // The arguments are not read: Qt sees the program's name only.
-  int argc = 1;
-  char* args[] = {argv[0], nullptr};
-  QApplication application(argc, args);
-  // Qt set the numeric locale from the environment; number text must not follow it.
-  std::setlocale(LC_NUMERIC, "C");
-  QtWindowCalls windowCalls;
-  hostInstallWindowCalls(&windowCalls);
-  int result = InitInstance();
-  hostInstallWindowCalls(nullptr);
-  return result;
+  return runWithQt(argv[0], InitInstance);
 }

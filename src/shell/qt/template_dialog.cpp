@@ -2,8 +2,11 @@
 // keys of a dialog without a default button, and the window's placement.
 #include "shell/qt/template_dialog.h"
 
+#include <algorithm>
+
 #include <QGroupBox>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QPushButton>
 
 namespace {
@@ -41,7 +44,12 @@ void TemplateDialog::keyPressEvent(QKeyEvent* event) {
 void TemplateDialog::PlaceWidget(QWidget* widget, const char* name, int x, int y, int width,
                                  int height) {
   widget->setObjectName(QString::fromLatin1(name));
-  widget->setGeometry(units_.Rect(x, y, width, height));
+  QRect rect = units_.Rect(x, y, width, height);
+  // A label's template width was measured for a narrower font: let its text show whole.
+  if (auto* label = qobject_cast<QLabel*>(widget)) {
+    rect.setWidth(std::max(rect.width(), label->sizeHint().width()));
+  }
+  widget->setGeometry(rect);
 }
 
 QAbstractButton* newTemplateButton(const char* text, QWidget* parent) {
