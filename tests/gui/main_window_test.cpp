@@ -215,4 +215,22 @@ TEST_F(MainWindow, ShowsTheCaptionExactlyAndKeepsTheChoosersFilter) {
   EXPECT_EQ(std::string(DocumentTitle), "a[*].ini");
 }
 
+TEST_F(MainWindow, RefusesAChosenPathThatTheSystemCannotHold) {
+  writeWholeFile(root_.file("back\\slash.ini"), "[GunData001]\nTypeName=X\n");
+  whenModal<QFileDialog>([](QFileDialog* chooser) {
+    whenModal<QMessageBox>([](QMessageBox* box) {
+      EXPECT_EQ(box->windowTitle(), "ERROR!");
+      EXPECT_TRUE(box->text().contains("backslash")) << box->text().toStdString();
+      box->accept();
+    });
+    chooser->selectFile("back\\slash.ini");
+    QMetaObject::invokeMethod(chooser, "accept");
+  });
+  Press("Open");
+  waitForNoModal();
+  EXPECT_EQ(window_->windowHandle()->title(), "Untitled");
+  EXPECT_EQ(DocumentHasPath, 0);
+  EXPECT_EQ(window_->RowCount(), 0);
+}
+
 }  // namespace
