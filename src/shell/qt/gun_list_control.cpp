@@ -34,6 +34,8 @@ GunListControl::GunListControl(QWidget* parent) : QTreeWidget(parent) {
   setRootIsDecorated(false);
   setItemsExpandable(false);
   setUniformRowHeights(true);
+  // Whole rows at the top, so that the scroll bar's value is the first visible row.
+  setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
   setSelectionMode(QAbstractItemView::SingleSelection);
   setSelectionBehavior(QAbstractItemView::SelectRows);
   setEditTriggers(QAbstractItemView::NoEditTriggers);
