@@ -1,7 +1,10 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the build and the tests need, only those that are missing.
 set -euo pipefail
-packages=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev locales "$@")
+# The editor needs Qt 6 Widgets with its platform plugins and a font; running it without a
+# display, and taking pictures of it, needs Xvfb, xauth, xdotool and ImageMagick.
+packages=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev locales
+          qt6-base-dev qt6-qpa-plugins fonts-dejavu-core xvfb xauth xdotool imagemagick "$@")
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -36,8 +36,12 @@ std::size_t finish(char* out, std::to_chars_result result) {
 
 }  // namespace
 
-double numParseDouble(const char* text) {
-  if (text == nullptr) return 0.0;
+namespace {
+
+// The longest number at the start of the text; *end is where it stopped (the text itself when
+// there was no number).
+double parseDoublePrefix(const char* text, const char** end) {
+  *end = text;
   bool negative = false;
   const char* begin = skipSpaceAndSign(text, &negative);
 
@@ -70,7 +74,7 @@ double numParseDouble(const char* text) {
   }
   if (!seenDigit) return 0.0;
 
-  const char* end = p;
+  *end = p;
   if (*p == 'e' || *p == 'E') {
     const char* q = p + 1;
     bool exponentNegative = *q == '-';
@@ -81,16 +85,36 @@ double numParseDouble(const char* text) {
         if (exponent < kExponentCap) exponent = exponent * 10 + (*q - '0');
       }
       leadPower += exponentNegative ? -exponent : exponent;
-      end = q;
+      *end = q;
     }
   }
 
   double value = 0.0;
-  std::from_chars_result result = std::from_chars(begin, end, value, std::chars_format::general);
+  std::from_chars_result result =
+      std::from_chars(begin, *end, value, std::chars_format::general);
   // Out of range leaves value untouched. Denormals come back rounded with no error, so the
   // error means the value rounded to infinity or to zero.
   if (result.ec == std::errc::result_out_of_range) value = leadPower > 0 ? HUGE_VAL : 0.0;
   return negative ? -value : value;
+}
+
+}  // namespace
+
+double numParseDouble(const char* text) {
+  if (text == nullptr) return 0.0;
+  const char* end = nullptr;
+  return parseDoublePrefix(text, &end);
+}
+
+int numParseDoubleWhole(const char* text, double* value) {
+  if (text == nullptr) return 0;
+  const char* end = nullptr;
+  double parsed = parseDoublePrefix(text, &end);
+  if (end == text) return 0;
+  while (isSpace(*end)) ++end;
+  if (*end != 0) return 0;
+  *value = parsed;
+  return 1;
 }
 
 std::int32_t numParseInt(const char* text) {
@@ -107,6 +131,14 @@ std::size_t numFormatFixed(char* out, std::size_t size, double value, int decima
   if (out == nullptr || size == 0) return 0;
   if (decimals < 0) decimals = 6;
   return finish(out, std::to_chars(out, out + size - 1, value, std::chars_format::fixed, decimals));
+}
+
+std::size_t numFormatGeneral(char* out, std::size_t size, double value, int significant) {
+  if (out == nullptr || size == 0) return 0;
+  if (significant < 1) significant = 1;
+  if (std::isinf(value)) return finish(out, std::to_chars(out, out + size - 1, value));
+  return finish(out, std::to_chars(out, out + size - 1, value, std::chars_format::general,
+                                   significant));
 }
 
 std::size_t numFormatInt(char* out, std::size_t size, std::int32_t value) {

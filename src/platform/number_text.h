@@ -12,6 +12,10 @@
 // text and for text with no such prefix ("", ".", "e5", "inf", "+-1").
 double numParseDouble(const char* text);
 
+// 1 and *value when the whole text, but for white space before and after, is one number of the
+// form numParseDouble reads; 0 with *value untouched otherwise (empty text, "12x", "1 2").
+int numParseDoubleWhole(const char* text, double* value);
+
 // Reads a decimal integer as a 32-bit atol does: the same white space and sign as
 // numParseDouble, then decimal digits, accumulated modulo 2^32 without any overflow check
 // ("4294967297" gives 1, "2147483648" gives INT32_MIN). Stops at the first byte that isn't a
@@ -27,6 +31,11 @@ std::int32_t numParseInt(const char* text);
 // when size is 0, or when the text and its NUL don't fit in size bytes; out[0] is then 0 if
 // size is at least 1. A value near 1e308 needs about 310 + decimals bytes.
 std::size_t numFormatFixed(char* out, std::size_t size, double value, int decimals);
+
+// Writes value as the "C" locale's printf("%.*g", significant, value) does: at most `significant`
+// significant digits (at least 1), no trailing zeros, the exponent form only for very large or
+// small values ("100", "0.1", "1e+07"). Returns as numFormatFixed does.
+std::size_t numFormatGeneral(char* out, std::size_t size, double value, int significant);
 
 // Writes value as the "C" locale's printf("%d") does. Returns the length written, NUL not
 // counted; returns 0 as numFormatFixed does when the text doesn't fit. 12 bytes always suffice.

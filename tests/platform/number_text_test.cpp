@@ -82,6 +82,12 @@ std::vector<std::string> convert(const Inputs& in, bool ours) {
       rows.push_back(std::to_string(bitsOf(value)) + " %." + std::to_string(decimals) + "f: " +
                      text + " #" + std::to_string(length));
     }
+    for (int digits : {6, 1}) {
+      long length = ours ? static_cast<long>(numFormatGeneral(text, sizeof text, value, digits))
+                         : std::snprintf(text, sizeof text, "%.*g", digits, value);
+      rows.push_back(std::to_string(bitsOf(value)) + " %." + std::to_string(digits) + "g: " +
+                     text + " #" + std::to_string(length));
+    }
   }
   for (std::int32_t value : in.ints) {
     long length = ours ? static_cast<long>(numFormatInt(text, sizeof text, value))
@@ -124,3 +130,21 @@ TEST(NumberText, NeverWritesPastASmallBuffer) {
 }
 
 }  // namespace
+
+// A form field is a number only as a whole: white space around it is fine, anything else isn't.
+TEST(NumberText, ReadsAWholeTextAsOneNumberOrNot) {
+  const struct {
+    const char* text;
+    int whole;
+    double value;
+  } cases[] = {{"12.5", 1, 12.5}, {"  -3e2\t", 1, -300}, {"0", 1, 0}, {"", 0, 0},
+               {"  ", 0, 0},      {"12x", 0, 0},        {"1 2", 0, 0}, {"abc", 0, 0},
+               {"inf", 0, 0},     {"1e", 0, 0},         {".5", 1, 0.5}};
+  for (const auto& c : cases) {
+    double value = 99;
+    EXPECT_EQ(numParseDoubleWhole(c.text, &value), c.whole) << c.text;
+    EXPECT_EQ(value, c.whole ? c.value : 99) << c.text;
+  }
+  double untouched = 99;
+  EXPECT_EQ(numParseDoubleWhole(nullptr, &untouched), 0);
+}

@@ -1,0 +1,100 @@
+// The program's start and stop, the settings across two runs, the template geometry and the
+// Application's window calls on Qt.
+#include <QCursor>
+#include <QLineEdit>
+#include <filesystem>
+
+#include "gui_support.h"
+#include "platform/host_window.h"
+#include "services/application.h"
+#include "shell/qt/edit_gun_form.h"
+#include "shell/qt/gun_list_control.h"
+#include "shell/qt/tessarine_app.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// One run of the program in `directory`, with `act` on the open main window.
+void runProgram(const std::string& directory, std::function<void(GunListDialog*)> act) {
+  fs::path cwd = fs::current_path();
+  fs::current_path(directory);
+  whenModal<GunListDialog>(act);
+  EXPECT_EQ(InitInstance(), 0);
+  waitForNoModal();
+  fs::current_path(cwd);
+}
+
+TEST(Program, WritesTheSettingsAtStartAndCloseAndReopensInPlace) {
+  TempDir root;
+  const std::string settings = root.file("Tessarine.ini");
+  runProgram(root.path(), [&](GunListDialog* window) {
+    EXPECT_EQ(window->windowHandle()->title(), "Untitled");
+    EXPECT_EQ(gAPP->GetWindowHandle(), static_cast<QWidget*>(window));
+    EXPECT_EQ(gAPP->GetInstanceHandle(), qApp);
+    EXPECT_EQ(readWholeFile(settings), "[Tessarine]\nTargetDirectory=" + systemPath(root.path()) +
+                                           "\nPositionX=0\nPositionY=0\n\n");
+    EXPECT_EQ(window->frameGeometry().topLeft(), QPoint(0, 0));
+    fs::remove(settings);
+    window->move(120, 80);
+    QTest::keyClick(window, Qt::Key_Escape);
+  });
+  EXPECT_NE(readWholeFile(settings).find("PositionX=120\nPositionY=80\n"), std::string::npos);
+  runProgram(root.path(), [&](GunListDialog* window) {
+    EXPECT_EQ(window->frameGeometry().topLeft(), QPoint(120, 80));
+    window->close();
+  });
+}
+
+// The conversion pinned for one font: DejaVu Sans at 11 pixels has bases 7 and 13.
+TEST(DialogUnitsTest, ConvertsTemplateUnitsFromTheFontsBases) {
+  QFont font(QStringLiteral("DejaVu Sans"));
+  font.setPixelSize(11);
+  DialogUnits units(font);
+  EXPECT_EQ(units.baseX(), 7);
+  EXPECT_EQ(units.baseY(), 13);
+  EXPECT_EQ(units.Rect(10, 21, 275, 219), QRect(18, 34, 481, 356));
+  EXPECT_EQ(DialogUnits(6, 13).Rect(310, 220, 50, 14), QRect(465, 358, 75, 23));
+  EXPECT_EQ(DialogUnits(6, 13).Size(387, 250), QSize(581, 406));
+}
+
+TEST(DialogUnitsTest, PlacesBothTemplatesInTheDialogFont) {
+  GunListDialog window;
+  const DialogUnits& units = window.Units();
+  EXPECT_EQ(window.size(), units.Size(387, 250));
+  EXPECT_EQ(window.List()->geometry(), units.Rect(10, 21, 275, 219));
+  EXPECT_EQ(window.findChild<QWidget*>("CopyGun")->geometry(), units.Rect(310, 60, 50, 14));
+  EXPECT_EQ(window.findChild<QWidget*>("Close")->geometry(), units.Rect(310, 220, 50, 14));
+  EditGunDialog data;
+  EditGunForm form(&window, &data);
+  EXPECT_EQ(form.size(), units.Size(357, 290));
+  EXPECT_EQ(form.Field("FullName")->geometry(), units.Rect(120, 21, 220, 14));
+  EXPECT_EQ(form.findChild<QWidget*>("OK")->geometry(), units.Rect(240, 265, 50, 14));
+}
+
+TEST(QtWindowCallsTest, MovesMeasuresAndMinimisesTheWindowAndCountsTheCursor) {
+  QWidget window;
+  window.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+  HostWindowCalls* calls = hostWindowCalls();
+  calls->SetWindowPosTopmost(&window, 40, 30, 200, 100);
+  HostRect rect = {};
+  calls->GetWindowRect(&window, &rect);
+  EXPECT_EQ(rect.left, 40);
+  EXPECT_EQ(rect.top, 30);
+  EXPECT_EQ(rect.right - rect.left, 200);
+  EXPECT_TRUE(window.windowFlags() & Qt::WindowStaysOnTopHint);
+  calls->ShowWindow(&window, kHostMinimize);
+  EXPECT_TRUE(window.isMinimized());
+
+  EXPECT_EQ(calls->ShowCursor(0), -1);
+  ASSERT_NE(QApplication::overrideCursor(), nullptr);
+  EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::BlankCursor);
+  EXPECT_EQ(calls->ShowCursor(1), 0);
+  EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+
+  HostMessage message = {};
+  EXPECT_EQ(calls->PeekMessage(&window, &message), 0) << "an empty queue";
+}
+
+}  // namespace
