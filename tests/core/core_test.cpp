@@ -43,9 +43,17 @@ TEST(Core, StartupRegistersEveryServiceAndShutdownClearsThem) {
   gIM->Release("APP", &table);
   EXPECT_EQ(gRND->GetSeed(), 1u);
 
+  int window, instance;
+  gMainWindowHandle = &window;
+  gInstanceHandle = &instance;
+  ApplicationTakeHandles();
+  Application* app = gAPP;
   void* leftOver = memAlloc(100);
   ASSERT_NE(leftOver, nullptr);
   CoreShutdown();
+  EXPECT_EQ(app->GetWindowHandle(), nullptr);
+  EXPECT_EQ(app->GetInstanceHandle(), nullptr);
+  gMainWindowHandle = gInstanceHandle = nullptr;
   for (const void* global : {static_cast<const void*>(gMEM), static_cast<const void*>(gDBG),
                              static_cast<const void*>(gDLL), static_cast<const void*>(gFMG),
                              static_cast<const void*>(gRND), static_cast<const void*>(gAPP)}) {

@@ -27,6 +27,7 @@ TEST_F(KernelTest, ExamplePluginReadsThroughTheKernelAndRegistersItsInterface) {
   EXPECT_STREQ(example->Greeting(), "Hello from the kernel's files");
   EXPECT_EQ(example->Calls(), 1);
   EXPECT_EQ(gDLL->FreeDll("EXAMPLE"), 0);  // its interface is held
+  EXPECT_EQ(example->Calls(), 1);  // and its code still there to call
   imRelease(gIM, "EXA", &example);
   gDLL->FreeAll();
   EXPECT_EQ(gDLL->libraries.count, 0);

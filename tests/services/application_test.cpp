@@ -42,6 +42,9 @@ class RecordingWindow final : public HostWindowCalls {
     calls.push_back("place " + std::to_string(x) + "," + std::to_string(y) + "," +
                     std::to_string(w) + "," + std::to_string(h));
   }
+  void GetWindowRect(HostHandle window, HostRect* rect) override {
+    if (window == &mainWindow) *rect = HostRect{10, 20, 30, 40};
+  }
   HostHandle GetCursor() override { return &arrowCursor; }
   void SetCursor(HostHandle cursor) override {
     calls.push_back(cursor == &arrowCursor ? "cursor arrow" : "cursor none");
@@ -104,6 +107,9 @@ TEST_F(ApplicationTest, SwitchesWindowAndCursorOnlyOnAChange) {
   EXPECT_EQ(app.IsActive(), 0);
   app.PlaceWindow(1, 2, 3, 4);
   EXPECT_EQ(TakeCalls(), Calls{"place 1,2,3,4"});
+  HostRect bounds{};
+  app.GetWindowBounds(&bounds);
+  EXPECT_EQ(bounds.right, 30);
 }
 
 TEST_F(ApplicationTest, PumpsUntilEmptyWhenActiveAndUntilQuitOrWakeWhenNot) {

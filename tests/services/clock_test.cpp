@@ -53,6 +53,7 @@ class ClockTest : public KernelTest {
 
 TEST_F(ClockTest, TickWaitsForTheFramePeriodAndStoresTheRates) {
   clock.Init();  // period 1, ticked once
+  timer.calls.clear();
   struct Case {
     std::uint32_t period, step, interval;
     float seconds, rate;
@@ -63,10 +64,12 @@ TEST_F(ClockTest, TickWaitsForTheFramePeriodAndStoresTheRates) {
       {3, 7, 7, 0.007f, static_cast<float>(1.0 / (7 * 0.001))},  // the first reading past
   };
   for (const Case& c : cases) {
-    clock.SetPeriod(c.period);
+    int readsBefore = timer.reads;
+    clock.SetPeriod(c.period);  // neither reads the time nor touches the timer's period
+    clock.GetElapsed();
+    EXPECT_EQ(timer.reads, readsBefore);
     timer.step = c.step;
     timer.now = 1000 + clock.GetElapsed();  // the counter stands where the last tick read it
-    int readsBefore = timer.reads;
     std::uint32_t before = clock.GetElapsed();
     clock.Tick();
     EXPECT_EQ(clock.GetInterval(), c.interval) << c.period;
@@ -78,6 +81,7 @@ TEST_F(ClockTest, TickWaitsForTheFramePeriodAndStoresTheRates) {
       EXPECT_EQ(timer.reads, readsBefore + 1);
     }
   }
+  EXPECT_TRUE(timer.calls.empty());
 }
 
 TEST_F(ClockTest, LosesOneMillisecondWhenTheCounterWraps) {

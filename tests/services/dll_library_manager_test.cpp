@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "core/core.h"
 #include "kernel_fixture.h"
@@ -53,6 +54,7 @@ class DllLibraryManagerTest : public KernelTest {
 
 TEST_F(DllLibraryManagerTest, CountsLoadsAndRunsEachEntryPointOncePerLoad) {
   Install(TESS_PROBE_PLUGIN, "probe.DLL");
+  TraceCapture traces;
   ASSERT_EQ(gDLL->LoadDll("probe"), 1);  // the default extension is added
   EXPECT_EQ(probe.refCountDuringInit, 0);
   ASSERT_EQ(gDLL->LoadDll("probe"), 1);
@@ -69,6 +71,20 @@ TEST_F(DllLibraryManagerTest, CountsLoadsAndRunsEachEntryPointOncePerLoad) {
   EXPECT_EQ(Loaded(), 0);
   EXPECT_EQ(gDLL->FreeDll("probe"), 0);
   EXPECT_EQ(probe.inits, 1);
+  std::vector<std::string> lines = traces.Lines();
+  std::erase_if(lines, [](const std::string& line) { return line.find("Interface") != std::string::npos; });
+  EXPECT_EQ(lines, (std::vector<std::string>{
+                       "MSG|Loading DLL library probe...",
+                       "MSG|Loading DLL library probe...",
+                       "MSG|...DLL library probe already loaded (2).",
+                       "MSG|Loading DLL library PROBE...",
+                       "MSG|...unable to load DLL library " + systemPath(dir.path()) + "\\PROBE.DLL!",
+                       "MSG|Freeing DLL library probe...",
+                       "MSG|...DLL library probe still in use (1).",
+                       "MSG|Freeing DLL library probe...",
+                       "MSG|Freeing DLL library probe...",
+                       "MSG|...unable to free DLL library probe.",
+                   }));
 }
 
 TEST_F(DllLibraryManagerTest, AHeldInterfaceKeepsItsLibraryUntilReleased) {
@@ -134,6 +150,12 @@ TEST_F(DllLibraryManagerTest, RefusesWhatItCannotLoadAndKeepsNothing) {
     hostHeapFailNth(0);
     EXPECT_EQ(gDLL->resolvedPath, c.resolved);
     EXPECT_TRUE(traces.Has("MSG|...unable to load DLL library " + c.resolved + "!")) << c.name;
+    const char* before[] = {"", "MSG|...unable to allocate memory for DLL library probe!",
+                            "MSG|...unable to allocate memory for DLL library probe!",
+                            "MSG|...unable to append DLL library probe to the list!"};
+    if (c.failingAllocation) {
+      EXPECT_TRUE(traces.Has(before[c.failingAllocation])) << c.failingAllocation;
+    }
     EXPECT_EQ(Loaded(), 0);
     EXPECT_EQ(LiveBlocks(), blocks);
   }
@@ -143,8 +165,10 @@ TEST_F(DllLibraryManagerTest, RefusesWhatItCannotLoadAndKeepsNothing) {
 
 TEST_F(DllLibraryManagerTest, AnEmptyLibraryPathMeansTheWorkingDirectory) {
   for (const char* path : {"", static_cast<const char*>(nullptr)}) {
+    TraceCapture traces;
     gDLL->SetLibraryPath(path);
     EXPECT_STREQ(gDLL->GetLibraryPath(), ".\\");
+    EXPECT_TRUE(traces.Has("MSG|DLL library path set to .\\."));
   }
   gDLL->SetLibraryPath("\\opt\\plugins");
   gDLL->LoadDll("x");
