@@ -136,8 +136,7 @@ bool reportLoad(const char* name, bool allowLoss, GunTextScan* scan, int* guns, 
                 allowLoss ? "tessarine-convert: warning: " : "tessarine-convert: ", err);
   PrintFindings(*scan, FindingKind::kChange, "tessarine-convert: warning: ", err);
   if (losing && !allowLoss) {
-    std::fputs("tessarine-convert: guns would be lost, so nothing was written; --allow-loss "
-               "converts anyway, as the editor would\n", err);
+    PrintLossRefused(err);
     return false;
   }
   return true;
@@ -159,7 +158,10 @@ int convert(const Command& command, std::FILE* err) {
   if (GunList.count != guns) {
     std::fprintf(err, "tessarine-convert: %sthe load gave %d gun(s) where the file holds %d\n",
                  command.allowLoss ? "warning: " : "", GunList.count, guns);
-    if (!command.allowLoss) status = kFailed;
+    if (!command.allowLoss) {
+      PrintLossRefused(err);
+      status = kFailed;
+    }
   }
   if (status == kOk && !GunSafeSave(&view, textName, command.allowLoss, err)) status = kFailed;
   GunListEmpty(&view);

@@ -126,7 +126,10 @@ bool checkWritten(const SaveNames& names, const char* saveError, bool allowLoss,
                  "text of a file in %ld bytes, and theirs does not fit\n",
                  allowLoss ? "warning: " : "", incomplete, GunList.count,
                  ShownPath(names.text).c_str(), kGunTextLimit);
-    if (!allowLoss) return false;
+    if (!allowLoss) {
+      PrintLossRefused(err);
+      return false;
+    }
   }
   if (text.size() > static_cast<std::size_t>(kGunTextLimit)) {
     std::fprintf(err, "tessarine-convert: warning: %s has %zu bytes; the editor loads only the "

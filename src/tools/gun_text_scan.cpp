@@ -21,6 +21,11 @@ bool sameName(const std::string& a, const std::string& b) {
   return !a.empty() && strEquals(a.c_str(), b.c_str(), 0);
 }
 
+// A name without the ".\" the system puts ahead of a bare name, so that both spellings compare.
+std::string withoutDot(const std::string& name) {
+  return name.compare(0, 2, ".\\") == 0 ? name.substr(2) : name;
+}
+
 std::string quoted(const std::string& text) { return "\"" + text + "\""; }
 
 // The whole file through the file manager, as the load reads it; false if it can't be opened.
@@ -128,8 +133,9 @@ class Scanner {
     }
     long room = kArenaBytes - used_;
     std::size_t file = FileIndex(shown);
+    // A file read again in a cycle brings nothing new: its loss is no loss.
     if (room <= 0 && !bytes.empty()) {
-      scan_->Add(include.fromFile, include.fromLine, FindingKind::kLoss,
+      if (!include.inCycle) scan_->Add(include.fromFile, include.fromLine, FindingKind::kLoss,
                  "#include " + quoted(include.name) + " is not read: the " +
                  std::to_string(kGunTextLimit) + "-byte text limit is full");
       return true;
@@ -140,8 +146,8 @@ class Scanner {
     // A read that fills the arena gives up its last byte to the terminator.
     std::size_t length = static_cast<std::size_t>(count == room ? count - 1 : count);
     int self = static_cast<int>(chain_.size());
-    chain_.push_back({include.name, include.parent});
-    if (length < bytes.size()) NoteCut(file, bytes, length);
+    chain_.push_back({withoutDot(include.name), include.parent});
+    if (length < bytes.size() && !include.inCycle) NoteCut(file, bytes, length);
     if (bytes[0] == '\r' || bytes[0] == '\n' || bytes[0] == '\0') {
       scan_->Add(file, 1, FindingKind::kLoss,
                  "the file begins with a line end, so the load reads nothing of it");
@@ -209,11 +215,13 @@ class Scanner {
     *skipping = false;
     for (const ScanSection& earlier : scan_->sections) {
       if (!sameName(name, earlier.name)) continue;
+      *skipping = true;
+      // The same line read again, in a cycle of includes, repeats nothing the user wrote twice.
+      if (earlier.file == file && earlier.line == line.number) return nullptr;
       scan_->Add(file, line.number, FindingKind::kChange,
                  "section [" + name + "] repeats the one at " + scan_->files[earlier.file] + ":" +
                      std::to_string(earlier.line) + ", which counts; this one and its keys are "
                      "ignored");
-      *skipping = true;
       return nullptr;
     }
     scan_->sections.push_back({name, file, line.number, {}});
@@ -263,7 +271,7 @@ class Scanner {
       std::string path;
       for (int at = self; at >= 0 && !cycle; at = chain_[static_cast<std::size_t>(at)].parent) {
         path = chain_[static_cast<std::size_t>(at)].name + (path.empty() ? "" : " -> ") + path;
-        cycle = chain_[static_cast<std::size_t>(at)].name == name;
+        cycle = chain_[static_cast<std::size_t>(at)].name == withoutDot(name);
       }
       if (cycle) {
         scan_->Add(file, line.number, FindingKind::kChange,

@@ -23,3 +23,8 @@ std::int32_t OpenToRead(const char* path, const char* shownName, std::FILE* err)
                *reason ? reason : "No such file or directory");
   return -1;
 }
+
+void PrintLossRefused(std::FILE* err) {
+  std::fputs("tessarine-convert: guns would be lost, so nothing was written; --allow-loss "
+             "converts anyway, as the editor would\n", err);
+}

@@ -11,3 +11,6 @@ std::string ShownPath(const char* path);
 // Opens `path` (system form) for reading through the file manager: the handle, or -1 after
 // "can't read SHOWN: reason" on `err`.
 std::int32_t OpenToRead(const char* path, const char* shownName, std::FILE* err);
+
+// Tells the user that a conversion losing guns wrote nothing, and how to convert anyway.
+void PrintLossRefused(std::FILE* err);
