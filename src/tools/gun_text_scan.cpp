@@ -9,6 +9,7 @@
 
 #include "base/string_util.h"
 #include "files/file_manager.h"
+#include "tools/tool_files.h"
 
 namespace {
 
@@ -107,7 +108,7 @@ class Scanner {
     while (!pending_.empty()) {
       Include include = pending_.front();
       pending_.pop_front();
-      bool read = ReadOne(include, first ? shownName : include.name.c_str());
+      bool read = ReadOne(include, first ? shownName : ShownPath(include.name.c_str()).c_str());
       if (first) opened = read;
       first = false;
     }
@@ -165,7 +166,7 @@ class Scanner {
     std::vector<std::string> lost;
     for (const Line& each : cutLines(bytes, bytes.size())) {
       if (each.text.empty() || each.text[0] != '[') continue;
-      if (each.number <= line) cutSection = each.text;
+      if (each.number < line) cutSection = each.text;
       else lost.push_back(each.text);
     }
     std::string text = "the load stops here, at the " + std::to_string(kGunTextLimit) +
