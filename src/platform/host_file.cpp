@@ -127,6 +127,14 @@ std::int32_t hostFileRename(const char* from, const char* to) {
   return std::rename(hostFrom.text(), hostTo.text()) == 0 ? 0 : -1;
 }
 
+std::int32_t hostFileCopyMode(const char* from, const char* to) {
+  HostPath hostFrom(from);
+  HostPath hostTo(to);
+  struct stat status;
+  if (!hostFrom.valid() || !hostTo.valid() || stat(hostFrom.text(), &status) != 0) return -1;
+  return chmod(hostTo.text(), status.st_mode & 07777) == 0 ? 0 : -1;
+}
+
 std::int32_t hostFileSyncPath(const char* path) {
   HostPath hostPath(path);
   if (!hostPath.valid()) return -1;

@@ -36,6 +36,8 @@ int hostPathExists(const char* path);
 std::int32_t hostFileRemove(const char* path);
 // Renames `from` to `to`, replacing a file named `to` in one step. 0 done, -1 not.
 std::int32_t hostFileRename(const char* from, const char* to);
+// Gives `to` the permissions of `from`. 0 done, -1 not.
+std::int32_t hostFileCopyMode(const char* from, const char* to);
 // Flushes the file's contents to the storage device. 0 done, -1 not.
 std::int32_t hostFileSyncPath(const char* path);
 

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 #include "base/path_util.h"
 #include "gun/gun_data.h"
@@ -145,6 +146,11 @@ bool flushAndRename(const SaveNames& names, std::FILE* err) {
       failed(names.text, "flushing", name, hostLastErrorText(), err);
       return false;
     }
+  }
+  // A replaced file keeps its permissions; a new one gets the usual ones.
+  for (auto [temporary, replaced] : {std::pair{names.tempBinary, names.binary},
+                                  std::pair{names.tempText, names.text}}) {
+    if (hostPathKindOf(replaced) == HostPathKind::kFile) hostFileCopyMode(replaced, temporary);
   }
   if (hostFileRename(names.tempBinary, names.binary) != 0) {
     failed(names.text, "renaming to", names.binary, hostLastErrorText(), err);

@@ -206,6 +206,13 @@ TEST_F(ConvertTest, AFailedWriteLeavesTheEarlierTargetAndNamesTheReason) {
   }
   EXPECT_EQ(filesIn(work.path()),
             (std::vector<std::string>{"folder", "folder.ini", "full.ini", "guns.ini"}));
+
+  writeWholeFile(work.file("kept.ini"), "earlier");
+  ASSERT_EQ(chmod(work.file("kept.ini").c_str(), 0640), 0);
+  ASSERT_EQ(Convert(work.path(), "guns.ini kept.ini").status, 0);
+  struct stat status;
+  ASSERT_EQ(stat(work.file("kept.ini").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0640u) << "a replaced file keeps its permissions";
 }
 
 TEST_F(ConvertTest, CheckReportsEachFaultOnItsLine) {
