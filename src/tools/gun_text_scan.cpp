@@ -97,24 +97,16 @@ class Scanner {
 
   // Reads the file and, in the load's order, every include behind it.
   bool Run(const char* path, const char* shownName) {
-    pending_.push_back({path, 0, 0, -1, false});
-    return ReadNext(shownName);
-  }
-
- private:
-  bool ReadNext(const char* shownName) {
-    bool first = true;
-    bool opened = true;
+    bool opened = ReadOne({path, 0, 0, -1, false}, shownName);
     while (!pending_.empty()) {
       Include include = pending_.front();
       pending_.pop_front();
-      bool read = ReadOne(include, first ? shownName : ShownPath(include.name.c_str()).c_str());
-      if (first) opened = read;
-      first = false;
+      ReadOne(include, ShownPath(include.name.c_str()).c_str());
     }
     return opened;
   }
 
+ private:
   std::size_t FileIndex(const std::string& shown) {
     auto found = std::find(scan_->files.begin(), scan_->files.end(), shown);
     if (found != scan_->files.end()) return static_cast<std::size_t>(found - scan_->files.begin());
@@ -136,9 +128,11 @@ class Scanner {
     std::size_t file = FileIndex(shown);
     // A file read again in a cycle brings nothing new: its loss is no loss.
     if (room <= 0 && !bytes.empty()) {
-      if (!include.inCycle) scan_->Add(include.fromFile, include.fromLine, FindingKind::kLoss,
-                 "#include " + quoted(include.name) + " is not read: the " +
-                 std::to_string(kGunTextLimit) + "-byte text limit is full");
+      if (!include.inCycle) {
+        scan_->Add(include.fromFile, include.fromLine, FindingKind::kLoss,
+                   "#include " + quoted(include.name) + " is not read: the " +
+                       std::to_string(kGunTextLimit) + "-byte text limit is full");
+      }
       return true;
     }
     long count = std::min<long>(static_cast<long>(bytes.size()), room);
@@ -151,7 +145,8 @@ class Scanner {
     if (length < bytes.size() && !include.inCycle) NoteCut(file, bytes, length);
     if (bytes[0] == '\r' || bytes[0] == '\n' || bytes[0] == '\0') {
       scan_->Add(file, 1, FindingKind::kLoss,
-                 "the file begins with a line end, so the load reads nothing of it");
+                 "the file begins with a line end or a zero byte, so the load reads nothing of "
+                 "it");
       return true;
     }
     std::vector<Include> includes;
