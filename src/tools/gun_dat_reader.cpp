@@ -59,10 +59,11 @@ int GunDatReader::Next(GunData* record) {
   return 1;
 }
 
-int GunDatReader::Whole(std::FILE* err) const {
+int GunDatReader::Whole(std::FILE* err, bool asWarning) const {
   if (size_ == sizeFor(count)) return 1;
-  std::fprintf(err, "tessarine-convert: %s ends inside record %d: %u bytes, where the count %d "
-               "it begins with asks for %llu (4 + 560 x %d)\n", shownName_, records + 1, size_,
+  std::fprintf(err, "tessarine-convert: %s%s ends inside record %d: %u bytes, where the count %d "
+               "it begins with asks for %llu (4 + 560 x %d)\n", asWarning ? "warning: " : "",
+               shownName_, records + 1, size_,
                count, static_cast<unsigned long long>(sizeFor(count)), count);
   return 0;
 }

@@ -20,8 +20,8 @@ class GunDatReader {
   // Reads the next whole record into *record: 1, or 0 when none is left.
   int Next(GunData* record);
   // 1 when the file holds every record its count asks for; else prints where it ends to `err`
-  // and returns 0.
-  int Whole(std::FILE* err) const;
+  // (as a warning with `asWarning`) and returns 0.
+  int Whole(std::FILE* err, bool asWarning = false) const;
 
   std::int32_t count = 0;  // the count the file begins with
   std::int32_t records = 0;  // the whole records it holds

@@ -13,6 +13,7 @@
 #include "gun/gun_list.h"
 #include "tools/gun_check.h"
 #include "tools/gun_dat_reader.h"
+#include "tools/tool_files.h"
 
 namespace {
 
@@ -75,10 +76,15 @@ void warnDifferences(int number, const GunData& stored, const GunData& record,
 
 }  // namespace
 
-int GunListFromDat(GunListView* view, const char* path, const char* shownName, std::FILE* err) {
+int GunListFromDat(GunListView* view, const char* path, const char* shownName, bool allowLoss,
+                   std::FILE* err) {
   GunListEmpty(view);
   GunDatReader reader;
-  if (!reader.Open(path, shownName, err) || !reader.Whole(err)) return 0;
+  if (!reader.Open(path, shownName, err)) return 0;
+  if (!reader.Whole(err, allowLoss) && !allowLoss) {
+    PrintLossRefused(err);
+    return 0;
+  }
   GunData stored;
   for (int number = 1; reader.Next(&stored); number++) {
     auto* record = static_cast<GunData*>(memAlloc(sizeof(GunData)));

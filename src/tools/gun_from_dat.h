@@ -8,7 +8,9 @@ class GunListView;
 // form). Each record is rebuilt from its entered fields as a load would make it (texts ended
 // within their fields, AddLight 0 or 1, derived values recomputed), and a warning on `err`
 // names the record whose stored derived values or other bytes differ from the rebuilt ones, or
-// whose values the text file would change. Returns 1; returns 0 after a message naming
-// `shownName` for a file that can't be read, isn't a gun data file or is cut, or when memory
-// runs out.
-int GunListFromDat(GunListView* view, const char* path, const char* shownName, std::FILE* err);
+// whose values the text file would change. A file cut inside its records gives its whole
+// records with `allowLoss`, with a warning. Returns 1; returns 0 after a message naming
+// `shownName` for a file that can't be read, isn't a gun data file or is cut (without
+// `allowLoss`), or when memory runs out.
+int GunListFromDat(GunListView* view, const char* path, const char* shownName, bool allowLoss,
+                   std::FILE* err);

@@ -21,6 +21,8 @@
 
 namespace {
 
+using namespace std::string_literals;
+
 struct Outcome {
   int status;
   std::string out, err;
@@ -307,6 +309,10 @@ TEST_F(ConvertTest, FromDatRebuildsTheTextAndNamesStaleRecords) {
   EXPECT_NE(dump.out.find("Record 1 (offset 4)"), std::string::npos) << "the whole record is shown";
   EXPECT_EQ(dump.out.find("Record 2"), std::string::npos);
   EXPECT_FALSE(std::filesystem::exists(work.file("x.ini")));
+  Outcome rescued = Convert(work.path(), "--from-dat --allow-loss cut.dat x.ini");
+  EXPECT_EQ(rescued.status, 0) << rescued.err;
+  EXPECT_NE(rescued.err.find("warning: cut.dat ends inside record 2"), std::string::npos);
+  EXPECT_EQ(readWholeFile(work.file("x.dat")), "\x01\0\0\0"s + dat.substr(4, 560));
 }
 
 TEST_F(ConvertTest, OptionsAndUsageAsUsersExpect) {

@@ -87,7 +87,7 @@ TEST_F(GunCheckTest, RebuildFromDatGivesEverythingBackWhenMemoryRunsOut) {
   for (int nth = 1; nth <= 30; nth++) {
     std::int64_t blocks = LiveBlocks();
     hostHeapFailNth(nth);
-    int done = GunListFromDat(&view, dat.c_str(), "g.dat", sink);
+    int done = GunListFromDat(&view, dat.c_str(), "g.dat", false, sink);
     hostHeapFailNth(0);
     failures += done ? 0 : 1;
     EXPECT_EQ(view.RowCount(), GunList.count) << nth;
