@@ -40,7 +40,7 @@ const char kUsageText[] =
     "are warned about. TARGET's files are replaced only when both are written whole.\n"
     "\n"
     "Options:\n"
-    "  --allow-loss  convert even when guns are lost, as the editor would (or a cut .dat)\n"
+    "  --allow-loss  go on when guns are lost, as the editor would, or a .dat is cut short\n"
     "  --check       report what loading each SOURCE would lose or change; write nothing\n"
     "  --from-dat    rebuild the text file TARGET (and a fresh .dat) from a binary gun file\n"
     "  --dump        print the records of a binary gun file field by field\n"
