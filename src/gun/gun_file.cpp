@@ -17,56 +17,46 @@
 // Records go to the .dat file in their memory form, which must be the file's little-endian form.
 static_assert(std::endian::native == std::endian::little);
 
-namespace {
-
-constexpr const char* kSectionFormat = "GunData%03d";
-constexpr int kSectionNameSize = 32;
-constexpr int kPathSize = 260;
-constexpr int kColorTextSize = 1024;  // three "%f" texts of any float, with their commas
-
-enum class KeyKind { kText, kFloat, kBool, kColor };
-
-struct GunKey {
-  const char* name;
-  KeyKind kind;
-  std::size_t offset;
-  int size;  // text fields only
+// Reliability comes before Accuracy in the file, after it in the record.
+const GunKey kGunKeys[kGunKeyCount] = {
+    {"TypeName", GunKeyKind::kText, offsetof(GunData, TypeName), 64},
+    {"FullName", GunKeyKind::kText, offsetof(GunData, FullName), 128},
+    {"Caliber", GunKeyKind::kFloat, offsetof(GunData, Caliber), 0},
+    {"ROF", GunKeyKind::kFloat, offsetof(GunData, ROF), 0},
+    {"MuzzleVel", GunKeyKind::kFloat, offsetof(GunData, MuzzleVel), 0},
+    {"AmmoWt", GunKeyKind::kFloat, offsetof(GunData, AmmoWt), 0},
+    {"WarheadWt", GunKeyKind::kFloat, offsetof(GunData, WarheadWt), 0},
+    {"Reliability", GunKeyKind::kFloat, offsetof(GunData, Reliability), 0},
+    {"Accuracy", GunKeyKind::kFloat, offsetof(GunData, Accuracy), 0},
+    {"AddLight", GunKeyKind::kBool, offsetof(GunData, AddLight), 0},
+    {"MaxLightRange", GunKeyKind::kFloat, offsetof(GunData, MaxLightRange), 0},
+    {"FireColor", GunKeyKind::kColor, offsetof(GunData, FireColor), 0},
+    {"GunFireEffect", GunKeyKind::kText, offsetof(GunData, GunFireEffect), 64},
+    {"GunFireSound", GunKeyKind::kText, offsetof(GunData, GunFireSound), 64},
+    {"EffectClassName", GunKeyKind::kText, offsetof(GunData, EffectClassName), 64},
+    {"EffectTime", GunKeyKind::kFloat, offsetof(GunData, EffectTime), 0},
+    {"TracerTexture", GunKeyKind::kText, offsetof(GunData, TracerTexture), 64},
+    {"TracerSize", GunKeyKind::kFloat, offsetof(GunData, TracerSize), 0},
+    {"TracerDistFactor", GunKeyKind::kFloat, offsetof(GunData, TracerDistFactor), 0},
+    {"TracerLength", GunKeyKind::kFloat, offsetof(GunData, TracerLength), 0},
+    {"MaxVisibleDist", GunKeyKind::kFloat, offsetof(GunData, MaxVisibleDist), 0},
+    {"MaxStreakVisibleDist", GunKeyKind::kFloat, offsetof(GunData, MaxStreakVisibleDist), 0},
 };
 
-// The 22 keys in file order; Reliability comes before Accuracy here, after it in the record.
-const GunKey kGunKeys[] = {
-    {"TypeName", KeyKind::kText, offsetof(GunData, TypeName), 64},
-    {"FullName", KeyKind::kText, offsetof(GunData, FullName), 128},
-    {"Caliber", KeyKind::kFloat, offsetof(GunData, Caliber), 0},
-    {"ROF", KeyKind::kFloat, offsetof(GunData, ROF), 0},
-    {"MuzzleVel", KeyKind::kFloat, offsetof(GunData, MuzzleVel), 0},
-    {"AmmoWt", KeyKind::kFloat, offsetof(GunData, AmmoWt), 0},
-    {"WarheadWt", KeyKind::kFloat, offsetof(GunData, WarheadWt), 0},
-    {"Reliability", KeyKind::kFloat, offsetof(GunData, Reliability), 0},
-    {"Accuracy", KeyKind::kFloat, offsetof(GunData, Accuracy), 0},
-    {"AddLight", KeyKind::kBool, offsetof(GunData, AddLight), 0},
-    {"MaxLightRange", KeyKind::kFloat, offsetof(GunData, MaxLightRange), 0},
-    {"FireColor", KeyKind::kColor, offsetof(GunData, FireColor), 0},
-    {"GunFireEffect", KeyKind::kText, offsetof(GunData, GunFireEffect), 64},
-    {"GunFireSound", KeyKind::kText, offsetof(GunData, GunFireSound), 64},
-    {"EffectClassName", KeyKind::kText, offsetof(GunData, EffectClassName), 64},
-    {"EffectTime", KeyKind::kFloat, offsetof(GunData, EffectTime), 0},
-    {"TracerTexture", KeyKind::kText, offsetof(GunData, TracerTexture), 64},
-    {"TracerSize", KeyKind::kFloat, offsetof(GunData, TracerSize), 0},
-    {"TracerDistFactor", KeyKind::kFloat, offsetof(GunData, TracerDistFactor), 0},
-    {"TracerLength", KeyKind::kFloat, offsetof(GunData, TracerLength), 0},
-    {"MaxVisibleDist", KeyKind::kFloat, offsetof(GunData, MaxVisibleDist), 0},
-    {"MaxStreakVisibleDist", KeyKind::kFloat, offsetof(GunData, MaxStreakVisibleDist), 0},
-};
-
-// "GunData%03d": the number with at least three digits.
-void sectionName(char* out, int number) {
+void GunSectionName(char* out, int number) {
   char digits[16];
   std::size_t length = numFormatInt(digits, sizeof digits, number);
   std::strcpy(out, "GunData");
   for (std::size_t pad = length; pad < 3; pad++) std::strcat(out, "0");
   std::strcat(out, digits);
 }
+
+namespace {
+
+constexpr const char* kSectionFormat = "GunData%03d";
+constexpr int kPathSize = 260;
+constexpr int kColorTextSize = 1024;  // three "%f" texts of any float, with their commas
+
 
 // "%f,%f,%f" of the three colour components.
 void colorText(char* out, const float* color) {
@@ -81,18 +71,18 @@ void colorText(char* out, const float* color) {
 void readKey(IniFile* ini, const char* section, const GunKey& key, GunData* record) {
   char* field = reinterpret_cast<char*>(record) + key.offset;
   switch (key.kind) {
-    case KeyKind::kText:
+    case GunKeyKind::kText:
       ini->IniGetString(section, key.name, "", field, key.size, 0);
       break;
-    case KeyKind::kFloat: {
+    case GunKeyKind::kFloat: {
       float value = ini->IniGetFloat(section, key.name, 0.0f);
       std::memcpy(field, &value, sizeof value);
       break;
     }
-    case KeyKind::kBool:
+    case GunKeyKind::kBool:
       record->AddLight = static_cast<std::int16_t>(ini->IniGetBool(section, key.name, 0));
       break;
-    case KeyKind::kColor:
+    case GunKeyKind::kColor:
       IniGetColor(record->FireColor, ini, section, key.name);
       break;
   }
@@ -101,19 +91,19 @@ void readKey(IniFile* ini, const char* section, const GunKey& key, GunData* reco
 void writeKey(IniFile* ini, const char* section, const GunKey& key, const GunData* record) {
   const char* field = reinterpret_cast<const char*>(record) + key.offset;
   switch (key.kind) {
-    case KeyKind::kText:
+    case GunKeyKind::kText:
       ini->IniSetString(section, key.name, field);
       break;
-    case KeyKind::kFloat: {
+    case GunKeyKind::kFloat: {
       float value;
       std::memcpy(&value, field, sizeof value);
       ini->IniSetFloat(section, key.name, value);
       break;
     }
-    case KeyKind::kBool:
+    case GunKeyKind::kBool:
       ini->IniSetBool(section, key.name, record->AddLight);
       break;
-    case KeyKind::kColor: {
+    case GunKeyKind::kColor: {
       char text[kColorTextSize];
       colorText(text, record->FireColor);
       ini->IniSetString(section, key.name, text);
@@ -127,8 +117,8 @@ GunData* loadGun(IniFile* ini, int number) {
   auto* record = static_cast<GunData*>(memAlloc(sizeof(GunData)));
   if (!record) return nullptr;
   std::memset(record, 0, sizeof(GunData));
-  char section[kSectionNameSize];
-  sectionName(section, number);
+  char section[kGunSectionNameSize];
+  GunSectionName(section, number);
   for (const GunKey& key : kGunKeys) readKey(ini, section, key, record);
   GunDataDerive(record);
   return record;
@@ -138,8 +128,8 @@ void saveText(const char* path) {
   IniFile ini(path, 0, 1);
   int number = 1;
   for (GunList.MoveFirst(); GunList.current; GunList.MoveNext()) {
-    char section[kSectionNameSize];
-    sectionName(section, number++);
+    char section[kGunSectionNameSize];
+    GunSectionName(section, number++);
     const auto* record = static_cast<const GunData*>(GunList.current->payload);
     for (const GunKey& key : kGunKeys) writeKey(&ini, section, key, record);
   }

@@ -1,7 +1,29 @@
 // The two gun files: the INI text file the user opens and saves, and its binary .dat sibling.
 #pragma once
 
+#include <cstddef>
+
 class GunListView;
+
+enum class GunKeyKind { kText, kFloat, kBool, kColor };
+
+// One key of a gun section and the record field it fills: a text field of `size` bytes, a
+// float, AddLight ("TRUE"/"FALSE", 16 bits) or FireColor ("%f,%f,%f", three floats).
+struct GunKey {
+  const char* name;
+  GunKeyKind kind;
+  std::size_t offset;
+  int size;  // text fields only
+};
+
+constexpr int kGunKeyCount = 22;
+// The keys of a gun section in the order the save writes and the load reads them.
+extern const GunKey kGunKeys[kGunKeyCount];
+
+// Room for any section name GunSectionName makes, terminator included.
+constexpr int kGunSectionNameSize = 32;
+// "GunData%03d" of `number` into `out` of kGunSectionNameSize bytes: at least three digits.
+void GunSectionName(char* out, int number);
 
 // Replaces GunList and the view's rows with the guns of the text file at `path` (sections
 // "GunData%03d" from 1), then selects row 0. Reports nothing: an unreadable file gives an

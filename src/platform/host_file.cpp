@@ -167,6 +167,42 @@ std::int32_t hostFileRename(const char* from, const char* to) {
 
 const char kHostNoFileDirectory[] = "\\dev\\null";
 
+std::int32_t hostFileCopyMode(const char* from, const char* to) {
+  HostPath hostFrom(from);
+  HostPath hostTo(to);
+  struct stat status;
+  if (!hostFrom.valid() || !hostTo.valid() || stat(hostFrom.text(), &status) != 0) return -1;
+  return chmod(hostTo.text(), status.st_mode & 07777) == 0 ? 0 : -1;
+}
+
+std::int32_t hostFileSyncPath(const char* path) {
+  HostPath hostPath(path);
+  if (!hostPath.valid()) return -1;
+  int descriptor = open(hostPath.text(), openFlagsOf(O_RDONLY));
+  if (descriptor < 0) return -1;
+  int synced = fsync(descriptor);
+  int saved = errno;
+  close(descriptor);
+  errno = saved;
+  return synced == 0 ? 0 : -1;
+}
+
+HostPathKind hostPathKindOf(const char* path) {
+  HostPath hostPath(path);
+  struct stat status;
+  if (!hostPath.valid() || stat(hostPath.text(), &status) != 0) return HostPathKind::kMissing;
+  if (S_ISREG(status.st_mode)) return HostPathKind::kFile;
+  if (S_ISDIR(status.st_mode)) return HostPathKind::kDirectory;
+  if (S_ISCHR(status.st_mode) || S_ISBLK(status.st_mode)) return HostPathKind::kDevice;
+  return HostPathKind::kOther;
+}
+
+const char* hostLastErrorText() { return errno == 0 ? "" : std::strerror(errno); }
+
+void hostClearLastError() { errno = 0; }
+
+std::int32_t hostProcessId() { return static_cast<std::int32_t>(getpid()); }
+
 int hostGetCurrentDirectory(char* buffer, std::int32_t size) {
   if (!buffer) return 0;
   if (size < 1) return 0;

@@ -49,6 +49,22 @@ std::int32_t hostFileRename(const char* from, const char* to);
 // search directory it leaves every name to the catalogs.
 extern const char kHostNoFileDirectory[];
 
+// Gives `to` the permissions of `from`. 0 done, -1 not.
+std::int32_t hostFileCopyMode(const char* from, const char* to);
+// Flushes the file's contents to the storage device. 0 done, -1 not.
+std::int32_t hostFileSyncPath(const char* path);
+
+// What a name stands for, links followed.
+enum class HostPathKind { kMissing, kFile, kDirectory, kDevice, kOther };
+HostPathKind hostPathKindOf(const char* path);
+
+// The host's reason for the last failed call, as a sentence fragment ("No space left on
+// device"); empty when no call has failed since hostClearLastError.
+const char* hostLastErrorText();
+void hostClearLastError();
+// The number of this process, for names that no other process picks at the same time.
+std::int32_t hostProcessId();
+
 // The working directory, in the system's form, into `buffer` of `size` bytes. 1 done; 0 with
 // the buffer cleared if the host can't tell or the directory can't be represented (see
 // hostPathToSystem) or doesn't fit. A null buffer gives 0.

@@ -23,6 +23,6 @@ void ConsoleListView::SelectRow(int row) {
 }
 
 void ConsoleListView::ShowMessage(const char* caption, const char* text) {
-  std::fprintf(messages_, "%s: %s\n", caption, text);
+  if (messages_) std::fprintf(messages_, "%s: %s\n", caption, text);
   messageCount++;
 }

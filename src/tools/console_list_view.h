@@ -5,7 +5,8 @@
 #include "gun/gun_view.h"
 
 // Keeps only the number of rows, which is all the gun files ask of the rows; an edit form is
-// always cancelled and a message is printed as "caption: text".
+// always cancelled and a message is printed as "caption: text", or counted only when the
+// stream is null.
 class ConsoleListView : public GunListView {
  public:
   explicit ConsoleListView(std::FILE* messages) : messages_(messages) {}

@@ -2,6 +2,7 @@
 #include "tools/convert.h"
 
 #include <cstring>
+#include <vector>
 
 #include "base/path_util.h"
 #include "files/file_manager.h"
@@ -10,7 +11,12 @@
 #include "gun/gun_list.h"
 #include "platform/host_file.h"
 #include "tools/console_list_view.h"
+#include "tools/gun_check.h"
 #include "tools/gun_dump.h"
+#include "tools/gun_from_dat.h"
+#include "tools/gun_safe_save.h"
+#include "tools/gun_text_scan.h"
+#include "tools/tool_files.h"
 #include "tools/tool_kernel.h"
 
 namespace {
@@ -24,16 +30,43 @@ constexpr int kPathSize = 260;
 constexpr int kLongSize = 2 * kPathSize;
 
 const char kUsageText[] =
-    "Usage: tessarine-convert SOURCE.ini TARGET.ini\n"
-    "       tessarine-convert --dump FILE.dat\n"
+    "Usage: tessarine-convert [--allow-loss] [--] SOURCE.ini TARGET.ini\n"
+    "       tessarine-convert --check [--] SOURCE.ini...\n"
+    "       tessarine-convert --from-dat [--allow-loss] [--] FILE.dat TARGET.ini\n"
+    "       tessarine-convert --dump [--] FILE.dat\n"
     "\n"
-    "Loads the gun data file SOURCE and saves it as TARGET, writing TARGET's binary\n"
-    "sibling (same name, extension .dat) too, exactly as the editor saves. --dump prints\n"
-    "the records of a binary gun file field by field.\n"
+    "Loads the gun data file SOURCE as the editor opens it and saves it as TARGET and\n"
+    "TARGET's binary sibling (extension .dat), byte for byte as the editor saves. A\n"
+    "conversion that would lose guns writes nothing and fails; values the load changes\n"
+    "are warned about. TARGET's files are replaced only when both are written whole.\n"
     "\n"
-    "A name without an extension gets .INI, as in the editor. Exit status: 0 done,\n"
-    "1 failed, 2 wrong usage.\n";
+    "Options:\n"
+    "  --allow-loss  go on when guns are lost, as the editor would, or a .dat is cut short\n"
+    "  --check       report what loading each SOURCE would lose or change; write nothing\n"
+    "  --from-dat    rebuild the text file TARGET (and a fresh .dat) from a binary gun file\n"
+    "  --dump        print the records of a binary gun file field by field\n"
+    "  -h, --help    show this help and exit\n"
+    "  --version     show the version and exit\n"
+    "  --            take every later argument as a file name\n"
+    "\n"
+    "A name without an extension gets .INI, as in the editor. Exit status: 0 done (for\n"
+    "--check: nothing to report), 1 failed or something reported, 2 wrong usage.\n";
 
+// What parse gives when the command line asks for work rather than an exit.
+constexpr int kGoOn = -1;
+
+const char kTryHelp[] = "Try 'tessarine-convert --help' for more information.\n";
+
+enum class Mode { kConvert, kCheck, kFromDat, kDump };
+
+struct Command {
+  Mode mode = Mode::kConvert;
+  const char* modeOption = nullptr;
+  bool allowLoss = false;
+  std::vector<const char*> files;
+};
+
+// The host path in the system's form, or a message on `err` and false.
 bool toSystemPath(const char* hostPath, char* out, std::FILE* err) {
   return toolSystemPath(kProgram, hostPath, out, err);
 }
@@ -42,73 +75,128 @@ bool toSystemPath(const char* hostPath, char* out, std::FILE* err) {
 // message, when it doesn't fit the system's 259 bytes.
 bool fitsSystemPath(const char* name, std::FILE* err) {
   if (std::strlen(name) < static_cast<std::size_t>(kPathSize)) return true;
-  char shown[kLongSize];
-  hostPathFromSystem(name, shown, kLongSize);
-  std::fprintf(err, "tessarine-convert: %s: %s\n", shown,
+  std::fprintf(err, "tessarine-convert: %s: %s\n", ShownPath(name).c_str(),
                hostPathMessage(HostPathResult::kTooLong));
   return false;
 }
 
-bool isReadable(const char* name) {
-  std::int32_t handle = gFMG->OpenFile(name);
-  if (handle == -1) return false;
-  gFMG->CloseFile(handle);
+// False, with a message, when `name` is a directory or a device: no gun file goes there.
+bool isNoPlaceForAFile(const char* name, const char* shown, std::FILE* err) {
+  HostPathKind kind = hostPathKindOf(name);
+  if (kind != HostPathKind::kDirectory && kind != HostPathKind::kDevice &&
+      kind != HostPathKind::kOther) {
+    return false;
+  }
+  std::fprintf(err, "tessarine-convert: %s is %s, not a file; give TARGET a file name\n", shown,
+               kind == HostPathKind::kDirectory ? "a directory" : "a device");
   return true;
 }
 
-// Opening for append truncates nothing; a file the probe itself created is removed again.
-bool isWritable(const char* name, std::FILE* err) {
-  int existed = hostPathExists(name);
-  std::FILE* stream = hostFileOpenStream(name, "a");
-  if (stream) std::fclose(stream);
-  if (stream && !existed) hostFileRemove(name);
-  if (stream) return true;
-  char shown[kLongSize];
-  hostPathFromSystem(name, shown, kLongSize);
-  std::fprintf(err, "tessarine-convert: can't write %s\n", shown);
-  return false;
-}
-
-// The names the gun files will use: the text file as the INI writer resolves it ("INI" added
-// to a name without an extension), the binary one beside it. False, with a message, when
-// either can't be used.
-bool targetNames(const char* target, char* textName, char* binaryName, std::FILE* err) {
+// The two names the target's files get: the text file as the editor resolves it ("INI" added to
+// a name without an extension), the binary one beside it. False, with a message, when the
+// target as typed or either name can't take a gun file.
+bool targetNames(const char* argument, char* textName, std::FILE* err) {
+  char target[kPathSize];
+  if (!toSystemPath(argument, target, err)) return false;
+  if (isNoPlaceForAFile(target, argument, err)) return false;
+  char binaryName[kLongSize];
   fmgCheckFilename(nullptr, target, "INI", textName, kLongSize);
   fmgSetFileExtension(textName, "dat", binaryName, kLongSize);
   if (!fitsSystemPath(textName, err) || !fitsSystemPath(binaryName, err)) return false;
   if (std::strcmp(textName, binaryName) == 0) {
     std::fprintf(err, "tessarine-convert: %s would be both the text and the binary file\n",
-                 target);
+                 argument);
     return false;
   }
-  return isWritable(textName, err) && isWritable(binaryName, err);
+  return !isNoPlaceForAFile(textName, ShownPath(textName).c_str(), err) &&
+         !isNoPlaceForAFile(binaryName, ShownPath(binaryName).c_str(), err);
 }
 
-int convert(const char* sourceArgument, const char* targetArgument, std::FILE* err) {
+// The text file name the load opens for `argument`, checked for reading.
+bool sourceName(const char* argument, char* name, std::FILE* err) {
   char source[kPathSize];
-  char target[kPathSize];
-  char sourceName[kLongSize];
+  if (!toSystemPath(argument, source, err)) return false;
+  fmgCheckFilename(nullptr, source, "INI", name, kLongSize);
+  if (!fitsSystemPath(name, err)) return false;
+  std::int32_t handle = OpenToRead(name, ShownPath(name).c_str(), err);
+  if (handle == -1) return false;
+  gFMG->CloseFile(handle);
+  return true;
+}
+
+// Scans and checks the source; reports what the load loses (errors, or warnings with
+// `allowLoss`) and changes (warnings). False when guns would be lost and that isn't allowed.
+bool reportLoad(const char* name, bool allowLoss, GunTextScan* scan, int* guns, std::FILE* err) {
+  ScanGunText(name, ShownPath(name).c_str(), scan);
+  *guns = CheckGunText(scan);
+  bool losing = CountFindings(*scan, FindingKind::kLoss) > 0;
+  PrintFindings(*scan, FindingKind::kLoss,
+                allowLoss ? "tessarine-convert: warning: " : "tessarine-convert: ", err);
+  PrintFindings(*scan, FindingKind::kChange, "tessarine-convert: warning: ", err);
+  if (losing && !allowLoss) {
+    PrintLossRefused(err);
+    return false;
+  }
+  return true;
+}
+
+int convert(const Command& command, std::FILE* err) {
+  char source[kLongSize];
   char textName[kLongSize];
-  char binaryName[kLongSize];
-  if (!toSystemPath(sourceArgument, source, err) || !toSystemPath(targetArgument, target, err)) {
+  if (!sourceName(command.files[0], source, err) ||
+      !targetNames(command.files[1], textName, err)) {
     return kFailed;
   }
-  fmgCheckFilename(nullptr, source, "INI", sourceName, kLongSize);
-  if (!fitsSystemPath(sourceName, err)) return kFailed;
-  if (!isReadable(sourceName)) {
-    std::fprintf(err, "tessarine-convert: can't read %s\n", sourceArgument);
-    return kFailed;
+  GunTextScan scan;
+  int guns = 0;
+  if (!reportLoad(source, command.allowLoss, &scan, &guns, err)) return kFailed;
+  ConsoleListView view(nullptr);
+  GunFileLoad(&view, source);
+  int status = kOk;
+  if (GunList.count != guns) {
+    std::fprintf(err, "tessarine-convert: %sthe load gave %d gun(s) where the file holds %d\n",
+                 command.allowLoss ? "warning: " : "", GunList.count, guns);
+    if (!command.allowLoss) {
+      PrintLossRefused(err);
+      status = kFailed;
+    }
   }
-  if (!targetNames(target, textName, binaryName, err)) return kFailed;
-  ConsoleListView view(err);
-  GunFileLoad(&view, sourceName);
-  if (GunList.count == 0) {
-    std::fprintf(err, "tessarine-convert: warning: %s has no gun section GunData001; writing an "
-                 "empty document\n", sourceArgument);
-  }
-  int saved = GunFileSave(&view, textName);
+  if (status == kOk && !GunSafeSave(&view, textName, command.allowLoss, err)) status = kFailed;
   GunListEmpty(&view);
-  return saved ? kOk : kFailed;
+  return status;
+}
+
+int check(const Command& command, std::FILE* out, std::FILE* err) {
+  int status = kOk;
+  for (const char* argument : command.files) {
+    char name[kLongSize];
+    if (!sourceName(argument, name, err)) {
+      status = kFailed;
+      continue;
+    }
+    GunTextScan scan;
+    ScanGunText(name, ShownPath(name).c_str(), &scan);
+    CheckGunText(&scan);
+    PrintFindings(scan, std::nullopt, "", out);
+    if (!scan.findings.empty()) status = kFailed;
+  }
+  return status;
+}
+
+int fromDat(const Command& command, std::FILE* err) {
+  char dat[kPathSize];
+  char textName[kLongSize];
+  if (!toSystemPath(command.files[0], dat, err) ||
+      !targetNames(command.files[1], textName, err)) {
+    return kFailed;
+  }
+  ConsoleListView view(nullptr);
+  int status = GunListFromDat(&view, dat, command.files[0], command.allowLoss, err) &&
+                       GunSafeSave(&view, textName, command.allowLoss, err)
+                   ? kOk
+                   : kFailed;
+  GunListEmpty(&view);
+  return status;
 }
 
 int dump(const char* argument, std::FILE* out, std::FILE* err) {
@@ -117,23 +205,99 @@ int dump(const char* argument, std::FILE* out, std::FILE* err) {
   return GunDumpFile(path, argument, out, err) ? kOk : kFailed;
 }
 
+int usageError(std::FILE* err, const char* format, const char* argument) {
+  std::fputs("tessarine-convert: ", err);
+  std::fprintf(err, format, argument);
+  std::fputs("\n", err);
+  std::fputs(kTryHelp, err);
+  return kUsage;
+}
+
+// The mode an option selects, or false for an option that is none.
+bool modeOf(const char* option, Mode* mode) {
+  const struct {
+    const char* option;
+    Mode mode;
+  } modes[] = {{"--check", Mode::kCheck}, {"--from-dat", Mode::kFromDat}, {"--dump", Mode::kDump}};
+  for (const auto& entry : modes) {
+    if (std::strcmp(option, entry.option) != 0) continue;
+    *mode = entry.mode;
+    return true;
+  }
+  return false;
+}
+
+// Reads the command line into *command; kGoOn, or the status to exit with at once (help and
+// version are printed here).
+int parse(int argc, char** argv, Command* command, std::FILE* out, std::FILE* err) {
+  bool optionsEnd = false;
+  for (int i = 1; i < argc; i++) {
+    const char* argument = argv[i];
+    Mode mode;
+    if (optionsEnd || argument[0] != '-' || argument[1] == '\0') {
+      command->files.push_back(argument);
+    } else if (std::strcmp(argument, "--") == 0) {
+      optionsEnd = true;
+    } else if (std::strcmp(argument, "-h") == 0 || std::strcmp(argument, "--help") == 0) {
+      std::fputs(kUsageText, out);
+      return kOk;
+    } else if (std::strcmp(argument, "--version") == 0) {
+      std::fputs("tessarine-convert " TESS_VERSION "\n", out);
+      return kOk;
+    } else if (std::strcmp(argument, "--allow-loss") == 0) {
+      command->allowLoss = true;
+    } else if (modeOf(argument, &mode)) {
+      if (command->modeOption && std::strcmp(command->modeOption, argument) != 0) {
+        return usageError(err, "%s can't be combined with another mode", argument);
+      }
+      command->mode = mode;
+      command->modeOption = argument;
+    } else {
+      return usageError(err, "unknown option '%s'", argument);
+    }
+  }
+  return kGoOn;
+}
+
+// kOk when the command has the files its mode needs; else the usage status, with a message.
+int checkShape(const Command& command, std::FILE* err) {
+  std::size_t files = command.files.size();
+  const char* mode = command.modeOption ? command.modeOption : "a conversion";
+  if (command.allowLoss && (command.mode == Mode::kCheck || command.mode == Mode::kDump)) {
+    return usageError(err, "--allow-loss can't be used with %s", mode);
+  }
+  bool fits = command.mode == Mode::kCheck  ? files >= 1
+              : command.mode == Mode::kDump ? files == 1
+                                            : files == 2;
+  if (fits) return kOk;
+  std::fprintf(err, "tessarine-convert: %s takes %s, not %zu\n", mode,
+               command.mode == Mode::kCheck  ? "one file name or more"
+               : command.mode == Mode::kDump ? "one file name"
+                                             : "two file names",
+               files);
+  std::fputs(kTryHelp, err);
+  return kUsage;
+}
+
 }  // namespace
 
 int ConvertMain(int argc, char** argv, std::FILE* out, std::FILE* err) {
-  if (argc == 2 && std::strcmp(argv[1], "--help") == 0) {
-    std::fputs(kUsageText, out);
-    return kOk;
-  }
-  if (argc == 2 && std::strcmp(argv[1], "--version") == 0) {
-    std::fputs("tessarine-convert " TESS_VERSION "\n", out);
-    return kOk;
-  }
-  if (argc == 3 && std::strcmp(argv[1], "--dump") == 0) {
-    return toolWithKernel(kProgram, [&] { return dump(argv[2], out, err); }, err);
-  }
-  if (argc == 3 && argv[1][0] != '-' && argv[2][0] != '-') {
-    return toolWithKernel(kProgram, [&] { return convert(argv[1], argv[2], err); }, err);
-  }
-  std::fputs(kUsageText, err);
-  return kUsage;
+  Command command;
+  if (int parsed = parse(argc, argv, &command, out, err); parsed != kGoOn) return parsed;
+  if (int shape = checkShape(command, err); shape != kOk) return shape;
+  return toolWithKernel(
+      kProgram, [&] {
+        switch (command.mode) {
+          case Mode::kCheck:
+            return check(command, out, err);
+          case Mode::kFromDat:
+            return fromDat(command, err);
+          case Mode::kDump:
+            return dump(command.files[0], out, err);
+          case Mode::kConvert:
+            break;
+        }
+        return convert(command, err);
+      },
+      err);
 }

@@ -5,13 +5,11 @@
 #include <cstdint>
 #include <cstring>
 
-#include "files/file_manager.h"
 #include "gun/gun_data.h"
 #include "platform/number_text.h"
+#include "tools/gun_dat_reader.h"
 
 namespace {
-
-constexpr std::uint32_t kCountSize = 4;
 
 void printName(std::FILE* out, const char* name) { std::fprintf(out, "  %-21s = ", name); }
 
@@ -72,48 +70,17 @@ void printRecord(std::FILE* out, const GunData& gun) {
   printInt(out, "TailSlot", static_cast<std::int32_t>(gun.TailSlot));
 }
 
-bool readExactly(std::int32_t handle, void* buffer, std::uint32_t size) {
-  return gFMG->ReadFile(handle, buffer, size) == static_cast<std::int32_t>(size);
-}
-
-std::int32_t decodeCount(const unsigned char* bytes) {
-  std::uint32_t value = 0;
-  for (int i = 0; i < 4; i++) value |= static_cast<std::uint32_t>(bytes[i]) << (8 * i);
-  return static_cast<std::int32_t>(value);
-}
-
 }  // namespace
 
 int GunDumpFile(const char* path, const char* shownName, std::FILE* out, std::FILE* err) {
-  std::uint32_t size = gFMG->GetFileSize(path);
-  std::int32_t handle = gFMG->OpenFile(path);
-  if (handle == -1) {
-    std::fprintf(err, "tessarine-convert: can't read %s\n", shownName);
-    return 0;
-  }
-  unsigned char countBytes[kCountSize];
-  std::int32_t count = readExactly(handle, countBytes, kCountSize) ? decodeCount(countBytes) : -1;
-  std::uint64_t expected = kCountSize + std::uint64_t{sizeof(GunData)} * static_cast<std::uint64_t>(count < 0 ? 0 : count);
-  if (count < 0 || size != expected) {
-    gFMG->CloseFile(handle);
-    std::fprintf(err,
-                 "tessarine-convert: %s is no gun data file: %u bytes, not 4 + 560 x the count "
-                 "it holds\n",
-                 shownName, size);
-    return 0;
-  }
-  std::fprintf(out, "%s: %d record(s)\n", shownName, count);
-  for (std::int32_t i = 0; i < count; i++) {
-    GunData gun;
-    if (!readExactly(handle, &gun, sizeof gun)) {
-      gFMG->CloseFile(handle);
-      std::fprintf(err, "tessarine-convert: %s ends inside record %d\n", shownName, i + 1);
-      return 0;
-    }
+  GunDatReader reader;
+  if (!reader.Open(path, shownName, err)) return 0;
+  std::fprintf(out, "%s: %d record(s)\n", shownName, reader.count);
+  GunData gun;
+  for (std::int32_t i = 0; reader.Next(&gun); i++) {
     std::fprintf(out, "\nRecord %d (offset %u)\n", i + 1,
-                 static_cast<unsigned>(kCountSize + sizeof(GunData) * static_cast<unsigned>(i)));
+                 static_cast<unsigned>(4 + sizeof(GunData) * static_cast<unsigned>(i)));
     printRecord(out, gun);
   }
-  gFMG->CloseFile(handle);
-  return 1;
+  return reader.Whole(err);
 }

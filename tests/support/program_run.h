@@ -13,11 +13,12 @@ struct ProgramOutcome {
   std::string out, err;
 };
 
-// Runs `binary` with `arguments` (already quoted for the shell) in `directory`; the output is
-// caught in files of `scratch`.
+// Runs `binary` with `arguments` (already quoted for the shell) in `directory`, after `shell`
+// in the same shell (a ulimit, say); the output is caught in files of `scratch`.
 inline ProgramOutcome runProgram(const char* binary, const std::string& directory,
-                                 const std::string& arguments, const TempDir& scratch) {
-  std::string command = "cd '" + directory + "' && " + binary + " " + arguments + " >'" +
+                                 const std::string& arguments, const TempDir& scratch,
+                                 const std::string& shell = "") {
+  std::string command = "cd '" + directory + "' && " + shell + binary + " " + arguments + " >'" +
                         scratch.file("out") + "' 2>'" + scratch.file("err") + "'";
   int raw = std::system(command.c_str());
   return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, readWholeFile(scratch.file("out")),

@@ -1,9 +1,15 @@
 // Tests of tessarine-convert, run as a user would: from a shell, in another directory.
 #include <gtest/gtest.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "core/core.h"
 #include "fake_window.h"
@@ -13,6 +19,9 @@
 #include "program_run.h"
 
 namespace {
+
+using namespace std::string_literals;
+using Outcome = ProgramOutcome;
 
 // A gun data file of `count` guns with every key filled and values that vary.
 std::string generatedGuns(int count) {
@@ -34,13 +43,37 @@ std::string generatedGuns(int count) {
   return text;
 }
 
+// What the editor makes of `source`: its Save of what its Open loaded, as the two files' bytes.
+std::pair<std::string, std::string> editorSave(const TempDir& dir, const std::string& source) {
+  EXPECT_EQ(CoreStartup(), 1);
+  {
+    FakeWindow window;
+    GunFileLoad(&window, systemPath(source).c_str());
+    EXPECT_EQ(GunFileSave(&window, systemPath(dir.file("editor.ini")).c_str()), 1);
+    GunListEmpty(&window);
+  }
+  CoreShutdown();
+  return {readWholeFile(dir.file("editor.ini")), readWholeFile(dir.file("editor.dat"))};
+}
+
+std::vector<std::string> filesIn(const std::string& directory) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(directory)) {
+    names.push_back(entry.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
 }  // namespace
 
 class ConvertTest : public ::testing::Test {
  protected:
   // Runs the converter with `arguments` (already quoted for the shell) in `directory`.
-  ProgramOutcome Convert(const std::string& directory, const std::string& arguments) {
-    return runProgram(TESS_CONVERT_BINARY, directory, arguments, scratch);
+  // `shell` goes ahead of the program, in the same shell.
+  Outcome Convert(const std::string& directory, const std::string& arguments,
+                  const std::string& shell = "") {
+    return runProgram(TESS_CONVERT_BINARY, directory, arguments, scratch, shell);
   }
   TempDir work;     // where the user's files are
   TempDir scratch;  // where the user's shell stands, and the captured output
@@ -62,7 +95,7 @@ TEST_F(ConvertTest, GivesTheSameBytesAsTheLibraryForRelativeAndAbsolutePaths) {
   std::string sibling = "../" + work.path().substr(work.path().rfind('/') + 1) + "/";
   for (std::string arguments : {"'" + work.file("guns.ini") + "' '" + work.file("out.ini") + "'",
                                 "'" + sibling + "guns.ini' '" + sibling + "out.ini'"}) {
-    ProgramOutcome run = Convert(scratch.path(), arguments);
+    Outcome run = Convert(scratch.path(), arguments);
     EXPECT_EQ(run.status, 0) << arguments << ": " << run.err;
     for (const char* extension : {".ini", ".dat"}) {
       std::string expected = readWholeFile(work.file(std::string("reference") + extension));
@@ -71,7 +104,7 @@ TEST_F(ConvertTest, GivesTheSameBytesAsTheLibraryForRelativeAndAbsolutePaths) {
       std::remove(work.file(std::string("out") + extension).c_str());
     }
   }
-  ProgramOutcome dump = Convert(work.path(), "--dump reference.dat");
+  Outcome dump = Convert(work.path(), "--dump reference.dat");
   EXPECT_EQ(dump.status, 0) << dump.err;
   for (const char* line : {"reference.dat: 400 record(s)", "TypeName              = \"Gun 400\"",
                            "FireInterval (s)", "SlotD                 = -1"}) {
@@ -79,28 +112,224 @@ TEST_F(ConvertTest, GivesTheSameBytesAsTheLibraryForRelativeAndAbsolutePaths) {
   }
 }
 
-TEST_F(ConvertTest, EveryRunGivesItsMessageAndStatus) {
+TEST_F(ConvertTest, LosingGunsFailsAndWritesNothingUnlessAllowedThenGivesTheEditorsBytes) {
+  std::string big = generatedGuns(657);
+  big += std::string(300000 - big.size() % 300000, ';');  // the 300,000-byte shape
+  std::string empties;
+  for (int i = 1; i <= 1000; i++) {
+    char header[32];
+    std::snprintf(header, sizeof header, "[GunData%03d]\n", i);
+    empties += header;
+  }
+  struct Case {
+    std::string name, text, message;
+  } cases[] = {
+      {"big", big, "the load stops here, at the 262144-byte text limit (the file has 300000"},
+      {"gap", "[GunData001]\nTypeName=A\n[GunData002]\nTypeName=B\n[GunData004]\nTypeName=D\n",
+       "gap.ini:5: section [GunData004] is not read: there is no GunData003"},
+      {"second", "[GunData002]\nTypeName=B\n", "second.ini: no gun section GunData001"},
+      {"noise", std::string(5000, '\x7f').replace(100, 1, "\n"), "no gun section GunData001"},
+      {"empties", empties, "guns 892 to 1000 lose keys in"},  // the save's arena is full
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    writeWholeFile(work.file(c.name + ".ini"), c.text);
+    Outcome refused = Convert(work.path(), c.name + ".ini out.ini");
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_NE(refused.err.find(c.message), std::string::npos) << refused.err;
+    EXPECT_NE(refused.err.find("nothing was written"), std::string::npos) << refused.err;
+    EXPECT_FALSE(std::filesystem::exists(work.file("out.ini")));
+    EXPECT_FALSE(std::filesystem::exists(work.file("out.dat")));
+    Outcome same = Convert(work.path(), c.name + ".ini " + c.name + ".ini");
+    EXPECT_EQ(same.status, 1);
+    EXPECT_EQ(readWholeFile(work.file(c.name + ".ini")), c.text) << "the source stays whole";
+
+    Outcome allowed = Convert(work.path(), "--allow-loss " + c.name + ".ini out.ini");
+    EXPECT_EQ(allowed.status, 0) << allowed.err;
+    EXPECT_NE(allowed.err.find("warning: "), std::string::npos);
+    auto [text, binary] = editorSave(scratch, work.file(c.name + ".ini"));
+    EXPECT_EQ(readWholeFile(work.file("out.ini")), text);
+    EXPECT_EQ(readWholeFile(work.file("out.dat")), binary);
+    std::filesystem::remove(work.file("out.ini"));
+    std::filesystem::remove(work.file("out.dat"));
+  }
+  Outcome tooLong = Convert(work.path(), "--allow-loss empties.ini out.ini");
+  EXPECT_NE(tooLong.err.find("bytes; the editor loads only the first 262144"), std::string::npos)
+      << tooLong.err;
+}
+
+// A full disk: a small tmpfs where the test may mount one; elsewhere a file size limit, which
+// fails the writes the same way.
+TEST_F(ConvertTest, AFailedWriteLeavesTheEarlierTargetAndNamesTheReason) {
+  writeWholeFile(work.file("guns.ini"), generatedGuns(200));
+  TempDir disk;
+  bool mounted = mount("tmpfs", disk.path().c_str(), "tmpfs", 0, "size=64k") == 0;
+  writeWholeFile(disk.file("out.ini"), "earlier text");
+  writeWholeFile(disk.file("out.dat"), "earlier binary");
+  Outcome limited = Convert(work.path(), "guns.ini '" + disk.file("out.ini") + "'",
+                            mounted ? "" : "trap '' XFSZ; ulimit -f 64; ");
+  EXPECT_EQ(limited.status, 1);
+  EXPECT_NE(limited.err.find(mounted ? "No space left on device" : "File too large"),
+            std::string::npos) << limited.err;
+  EXPECT_NE(limited.err.find("can't write " + disk.file("out.ini")), std::string::npos);
+  EXPECT_EQ(readWholeFile(disk.file("out.ini")), "earlier text");
+  EXPECT_EQ(readWholeFile(disk.file("out.dat")), "earlier binary");
+  EXPECT_EQ(filesIn(disk.path()), (std::vector<std::string>{"out.dat", "out.ini"}));
+  if (mounted) umount(disk.path().c_str());
+
+  ASSERT_EQ(symlink("/dev/full", work.file("full.ini").c_str()), 0);
+  ASSERT_EQ(mkdir(work.file("folder").c_str(), 0777), 0);
+  struct Case {
+    std::string arguments, message;
+  } cases[] = {
+      {"guns.ini full.ini", "full.ini is a device, not a file"},
+      {"guns.ini /dev/null", "/dev/null is a device, not a file"},
+      {"guns.ini folder", "folder is a directory, not a file"},
+      {"guns.ini no-dir/out.ini",
+       "can't write no-dir/out.ini: creating no-dir/out.ini.~"},  // then the number and reason
+      {"guns no-dir.ini", "can't read guns.INI: No such file or directory"},
+      {"folder x.ini", "can't read folder.INI: No such file or directory"},
+      {"folder.ini x.ini", "can't read folder.ini: Is a directory"},
+  };
+  ASSERT_EQ(mkdir(work.file("folder.ini").c_str(), 0777), 0);
+  for (const Case& c : cases) {
+    Outcome run = Convert(work.path(), c.arguments);
+    EXPECT_EQ(run.status, 1) << c.arguments;
+    EXPECT_NE(run.err.find(c.message), std::string::npos) << c.arguments << ": " << run.err;
+  }
+  EXPECT_EQ(filesIn(work.path()),
+            (std::vector<std::string>{"folder", "folder.ini", "full.ini", "guns.ini"}));
+
+  writeWholeFile(work.file("kept.ini"), "earlier");
+  ASSERT_EQ(chmod(work.file("kept.ini").c_str(), 0640), 0);
+  ASSERT_EQ(Convert(work.path(), "guns.ini kept.ini").status, 0);
+  struct stat status;
+  ASSERT_EQ(stat(work.file("kept.ini").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0640u) << "a replaced file keeps its permissions";
+}
+
+TEST_F(ConvertTest, CheckReportsEachFaultOnItsLine) {
+  Outcome clean = Convert(scratch.path(), "--check '" TESS_SOURCE_DIR "/examples/guns.ini'");
+  EXPECT_EQ(clean.status, 0) << clean.out << clean.err;
+  EXPECT_EQ(clean.out, "");
+  writeWholeFile(work.file("loop.ini"), "#include faults.ini\n");
+  writeWholeFile(work.file("faults.ini"),
+                 "[GunData001]\n"                             // 1
+                 "TypeName=" + std::string(70, 'T') + "\n"  // 2
+                 "Caliber=twelve\n"                           // 3
+                 "ROF=600 rpm\r\n"                            // 4
+                 "AddLight=yes\n"                             // 5
+                 "AmmoWt=0.0000004\n"                         // 6
+                 "Colour=red\n"                               // 7
+                 "ROF=700\n"                                  // 8
+                 "FireColor=1,0.5\n"                          // 9
+                 "# a note\n"                                 // 10
+                 "MuzzleVel=800\n"                            // 11
+                 "[GunData001]\n"                             // 12
+                 "[GunData003]\n"                             // 13
+                 "#include missing.ini\n"                     // 14
+                 "#include loop.ini\n");                      // 15
+  Outcome run = Convert(work.path(), "--check faults.ini");
+  EXPECT_EQ(run.status, 1) << run.err;
+  EXPECT_EQ(run.out,
+            "faults.ini:2: TypeName is 70 bytes long; its 64-byte field keeps 63 and loses 7\n"
+            "faults.ini:3: Caliber \"twelve\" is not a number: reads as 0\n"
+            "faults.ini:4: ROF \"600 rpm\" has text behind the number: reads as 600\n"
+            "faults.ini:5: AddLight \"yes\" is neither TRUE nor FALSE: reads as FALSE\n"
+            "faults.ini:6: AmmoWt 0.0000004: the .dat gets 4e-07 but the text file is written "
+            "0.000000, which reads back as 0\n"
+            "faults.ini:7: unknown key \"Colour\" is not read; a save drops it\n"
+            "faults.ini:8: key ROF repeats the one at line 4, which counts; this one is ignored\n"
+            "faults.ini:9: FireColor \"1,0.5\" has fewer than three components: reads as black "
+            "(0,0,0)\n"
+            "faults.ini:11: key line outside any section's key list is ignored (the # line at "
+            "line 10 ended the key list)\n"
+            "faults.ini:12: section [GunData001] repeats the one at faults.ini:1, which counts; "
+            "this one and its keys are ignored\n"
+            "faults.ini:13: section [GunData003] is not read: there is no GunData002, so the "
+            "numbering stops at gun 1 and every gun behind the gap is lost\n"
+            "faults.ini:14: #include \"missing.ini\": the file can't be read, so nothing of it "
+            "is loaded\n"
+            "loop.ini:1: #include \"faults.ini\" forms a cycle (faults.ini -> loop.ini -> "
+            "faults.ini): the load reads the files again and again until the text limit is "
+            "full\n");
+  Outcome both = Convert(work.path(), "--check loop.ini missing.ini");
+  EXPECT_EQ(both.status, 1);
+  EXPECT_NE(both.err.find("can't read missing.ini: No such file or directory"), std::string::npos);
+}
+
+TEST_F(ConvertTest, FromDatRebuildsTheTextAndNamesStaleRecords) {
+  writeWholeFile(work.file("guns.ini"), generatedGuns(3));
+  ASSERT_EQ(Convert(work.path(), "guns.ini first.ini").status, 0);
+  Outcome back = Convert(work.path(), "--from-dat first.dat back.ini");
+  EXPECT_EQ(back.status, 0) << back.err;
+  EXPECT_EQ(back.err, "");
+  ASSERT_EQ(Convert(work.path(), "back.ini again.ini").status, 0);
+  std::string dat = readWholeFile(work.file("first.dat"));
+  EXPECT_EQ(readWholeFile(work.file("again.dat")), dat);
+  EXPECT_EQ(readWholeFile(work.file("back.dat")), dat);
+
+  std::string stale = dat;
+  stale[4 + 560 + 224] ^= 1;  // record 2's FireInterval
+  stale[4 + 2 * 560 + 204 + 3] = 0x10;  // record 3's AmmoWt: a float too small for six decimals
+  writeWholeFile(work.file("stale.dat"), stale);
+  Outcome warned = Convert(work.path(), "--from-dat stale.dat fixed.ini");
+  EXPECT_EQ(warned.status, 0) << warned.err;
+  EXPECT_NE(warned.err.find("warning: stale.dat: record 2 (Gun 2): its stored derived values differ "
+                            "from the recomputed ones (FireInterval)"), std::string::npos)
+      << warned.err;
+  EXPECT_NE(warned.err.find("record 3 (Gun 3): AmmoWt: the .dat gets"), std::string::npos);
+  EXPECT_EQ(readWholeFile(work.file("fixed.dat")).substr(4 + 560, 560), dat.substr(4 + 560, 560));
+
+  writeWholeFile(work.file("cut.dat"), dat.substr(0, 4 + 560 + 100));
+  writeWholeFile(work.file("text.dat"), "not a gun file at all");
+  struct Case {
+    std::string arguments, message;
+  } cases[] = {
+      {"--from-dat cut.dat x.ini", "cut.dat ends inside record 2: 664 bytes, where the count 3 "
+                                    "it begins with asks for 1684 (4 + 560 x 3)"},
+      {"--from-dat text.dat x.ini", "text.dat is no gun data file: 21 bytes"},
+      {"--dump cut.dat", "cut.dat ends inside record 2"},
+  };
+  for (const Case& c : cases) {
+    Outcome run = Convert(work.path(), c.arguments);
+    EXPECT_EQ(run.status, 1) << c.arguments;
+    EXPECT_NE(run.err.find(c.message), std::string::npos) << c.arguments << ": " << run.err;
+  }
+  Outcome dump = Convert(work.path(), "--dump cut.dat");
+  EXPECT_NE(dump.out.find("Record 1 (offset 4)"), std::string::npos) << "the whole record is shown";
+  EXPECT_EQ(dump.out.find("Record 2"), std::string::npos);
+  EXPECT_FALSE(std::filesystem::exists(work.file("x.ini")));
+  Outcome rescued = Convert(work.path(), "--from-dat --allow-loss cut.dat x.ini");
+  EXPECT_EQ(rescued.status, 0) << rescued.err;
+  EXPECT_NE(rescued.err.find("warning: cut.dat ends inside record 2"), std::string::npos);
+  EXPECT_EQ(readWholeFile(work.file("x.dat")), "\x01\0\0\0"s + dat.substr(4, 560));
+}
+
+TEST_F(ConvertTest, OptionsAndUsageAsUsersExpect) {
   writeWholeFile(work.file("guns.ini"), generatedGuns(2));
-  writeWholeFile(work.file("none.ini"), "[Other]\nKey=1\n");
-  writeWholeFile(work.file("odd.dat"), std::string(4 + 560 + 1, '\0'));
-  ASSERT_EQ(std::system(("mkdir '" + work.file("blocked.dat") + "'").c_str()), 0);
+  writeWholeFile(work.file("-dash.ini"), generatedGuns(1));
   const ProgramCase cases[] = {
-      {"missing.ini out.ini", 1, "can't read missing.ini"},
-      {"guns.ini no-dir/out.ini", 1, "can't write no-dir/out.ini"},
-      {"guns.ini blocked.ini", 1, "can't write ./blocked.dat"},  // a directory
+      {"-h", 0, "Usage:"},
+      {"--help", 0, "Usage:"},
+      {"--version", 0, "tessarine-convert 0."},
+      {"-- -dash.ini out.ini", 0, ""},
+      {"--bogus guns.ini out.ini", 2, "unknown option '--bogus'"},
+      {"-x", 2, "unknown option '-x'"},
+      {"", 2, "a conversion takes two file names, not 0"},
+      {"--check", 2, "--check takes one file name or more, not 0"},
+      {"--dump a b", 2, "--dump takes one file name, not 2"},
+      {"--check --dump x", 2, "--dump can't be combined with another mode"},
+      {"--allow-loss --check guns.ini", 2, "--allow-loss can't be used with --check"},
       {"guns.ini same.dat", 1, "both the text and the binary file"},
       {"guns.ini " + std::string(255, 'n'), 1, "too long"},  // no room for ".INI"
       {"'back\\slash.ini' out.ini", 1, "backslash"},
-      {"--dump odd.dat", 1, "is no gun data file"},
-      {"--dump missing.dat", 1, "can't read"},
-      {"", 2, "Usage:"},
-      {"--bogus x", 2, "Usage:"},
-      {"none.ini empty.ini", 0, "warning"},
-      {"--help", 0, "Usage:"},
-      {"--version", 0, "tessarine-convert "},
   };
   expectRuns(TESS_CONVERT_BINARY, work.path(), cases, scratch);
-  EXPECT_FALSE(std::filesystem::exists(work.file("blocked.ini"))) << "a refused target leaves nothing";
-  EXPECT_EQ(readWholeFile(work.file("empty.dat")), std::string(4, '\0'));
-  EXPECT_EQ(readWholeFile(work.file("empty.ini")), "");
+  Outcome help = Convert(work.path(), "--help");
+  for (const char* option : {"--allow-loss", "--check", "--from-dat", "--dump", "-h, --help",
+                             "--version", "--  "}) {
+    EXPECT_NE(help.out.find("\n  " + std::string(option)), std::string::npos) << option;
+  }
+  EXPECT_EQ(readWholeFile(work.file("out.dat")).size(), 4u + 560);
 }
