@@ -120,9 +120,9 @@ int formatNumbered(char* out, std::size_t size, const char* format, std::int32_t
 }  // namespace
 
 IniKey* IniFile::FindKey(const char* section, const char* key) {
-  if (!sections.FindByName(section)) return nullptr;
+  if (!sectionIndex.Find(&sections, section)) return nullptr;
   auto* found = static_cast<IniSection*>(sections.current->payload);
-  if (!found->keys.FindByName(key)) return nullptr;
+  if (!found->keyIndex.Find(&found->keys, key)) return nullptr;
   return static_cast<IniKey*>(found->keys.current->payload);
 }
 
@@ -265,7 +265,7 @@ int IniFile::IniSetBool(const char* section, const char* key, std::int32_t value
 int IniFile::IniAddKey(const char* section, IniKey* record) {
   if (!record) return 0;
   IniSection* target = nullptr;
-  if (sections.FindByName(section)) {
+  if (sectionIndex.Find(&sections, section)) {
     target = static_cast<IniSection*>(sections.current->payload);
   } else {
     if (!section || !pool.Append(section)) {
@@ -280,7 +280,7 @@ int IniFile::IniAddKey(const char* section, IniKey* record) {
     }
     target = new (block) IniSection;
     target->name = pool.CurrentString();
-    if (!sections.Append(target)) {
+    if (!sectionIndex.Append(&sections, target)) {
       dbgTrace("Unable to append section %s to the list!", section);
       target->~IniSection();
       memFree(target);
@@ -289,7 +289,10 @@ int IniFile::IniAddKey(const char* section, IniKey* record) {
     }
   }
   // A record that isn't filed (its name is there already, or no node) would be owned by nobody.
-  if (target->keys.FindByName(record->name) || !target->keys.Append(record)) memFree(record);
+  if (target->keyIndex.Find(&target->keys, record->name) ||
+      !target->keyIndex.Append(&target->keys, record)) {
+    memFree(record);
+  }
   return 1;
 }
 
@@ -299,7 +302,7 @@ std::int32_t IniFile::IniCountSections(const char* format) {
   for (std::int32_t n = 1;; n++) {
     // A format the formatter can't take fails at 1 already; a later failure is a name too long.
     if (!formatNumbered(name, sizeof name, format, n)) return n - 1;
-    if (!sections.FindByName(name)) return n - 1;
+    if (!sectionIndex.Find(&sections, name)) return n - 1;
   }
 }
 
