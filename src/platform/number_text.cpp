@@ -3,6 +3,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstring>
 #include <system_error>
 
 namespace {
@@ -32,6 +33,33 @@ std::size_t finish(char* out, std::to_chars_result result) {
   }
   *result.ptr = 0;
   return static_cast<std::size_t>(result.ptr - out);
+}
+
+// Values below this, times 10^6, fit the 64 bits of the fast "%.6f".
+constexpr double kFastSixLimit = 9e12;
+
+// "%.6f" of a value that a float holds exactly. Its product with 10^6 is then exact in a double
+// (24 bits of mantissa times 15625, times a power of two), so rounding that product to an
+// integer, to even on a tie, rounds the decimal expansion exactly as printf does.
+std::size_t formatFloatSix(char* out, std::size_t size, double value) {
+  auto units = static_cast<std::uint64_t>(std::nearbyint(std::fabs(value) * 1e6));
+  char text[32];
+  char* p = text;
+  if (std::signbit(value)) *p++ = '-';
+  p = std::to_chars(p, text + sizeof text, units / 1000000).ptr;
+  *p++ = '.';
+  std::uint64_t fraction = units % 1000000;
+  for (int digit = 5; digit >= 0; --digit, fraction /= 10) {
+    p[digit] = static_cast<char>('0' + fraction % 10);
+  }
+  auto length = static_cast<std::size_t>(p + 6 - text);
+  if (length >= size) {
+    out[0] = 0;
+    return 0;
+  }
+  std::memcpy(out, text, length);
+  out[length] = 0;
+  return length;
 }
 
 }  // namespace
@@ -106,6 +134,10 @@ std::int32_t numParseInt(const char* text) {
 std::size_t numFormatFixed(char* out, std::size_t size, double value, int decimals) {
   if (out == nullptr || size == 0) return 0;
   if (decimals < 0) decimals = 6;
+  if (decimals == 6 && std::fabs(value) < kFastSixLimit &&
+      static_cast<double>(static_cast<float>(value)) == value) {
+    return formatFloatSix(out, size, value);
+  }
   return finish(out, std::to_chars(out, out + size - 1, value, std::chars_format::fixed, decimals));
 }
 
