@@ -117,6 +117,38 @@ int formatNumbered(char* out, std::size_t size, const char* format, std::int32_t
   return conversions == 1 ? 1 : 0;
 }
 
+// Gathers the text of a write and hands it to the stream in large pieces.
+class WriteBuffer {
+ public:
+  explicit WriteBuffer(std::FILE* file) : file_(file) {}
+  WriteBuffer(const WriteBuffer&) = delete;
+  WriteBuffer& operator=(const WriteBuffer&) = delete;
+
+  void Put(const char* text, std::size_t length) {
+    if (length > sizeof data_ - used_) {
+      Flush();
+      if (length > sizeof data_) {
+        std::fwrite(text, 1, length, file_);
+        return;
+      }
+    }
+    std::memcpy(data_ + used_, text, length);
+    used_ += length;
+  }
+  void Put(const char* text) { Put(text, std::strlen(text)); }
+  void Put(char c) { Put(&c, 1); }
+  // Hands what is gathered to the stream; call before the stream is closed.
+  void Flush() {
+    if (used_ > 0) std::fwrite(data_, 1, used_, file_);
+    used_ = 0;
+  }
+
+ private:
+  std::FILE* file_;
+  char data_[32768];
+  std::size_t used_ = 0;
+};
+
 }  // namespace
 
 IniKey* IniFile::FindKey(const char* section, const char* key) {
@@ -310,30 +342,31 @@ int IniFile::IniWrite(const char* name) {
   if (name) fmgCheckFilename(nullptr, name, "INI", fileName, kPathSize);
   std::FILE* file = hostFileOpenStream(fileName, "w");
   if (!file) return 0;
+  WriteBuffer out(file);
   char number[64];
   for (sections.MoveFirst(); sections.current; sections.MoveNext()) {
     auto* section = static_cast<IniSection*>(sections.current->payload);
-    std::fputc('[', file);
-    std::fputs(section->name ? section->name : "", file);
-    std::fputs("]\n", file);
+    out.Put('[');
+    out.Put(section->name ? section->name : "");
+    out.Put("]\n", 2);
     CursorList& keys = section->keys;
     for (keys.MoveFirst(); keys.current; keys.MoveNext()) {
       auto* key = static_cast<IniKey*>(keys.current->payload);
-      std::fputs(key->name ? key->name : "", file);
-      std::fputc('=', file);
+      out.Put(key->name ? key->name : "");
+      out.Put('=');
       if (key->type == kIniInteger) {
-        numFormatInt(number, sizeof number, key->intValue);
-        std::fputs(number, file);
+        out.Put(number, numFormatInt(number, sizeof number, key->intValue));
       } else if (key->type == kIniFloat) {
-        numFormatFixed(number, sizeof number, static_cast<double>(key->floatValue), 6);
-        std::fputs(number, file);
+        out.Put(number, numFormatFixed(number, sizeof number,
+                                       static_cast<double>(key->floatValue), 6));
       } else if (!strIsEmpty(key->stringValue)) {
-        std::fputs(key->stringValue, file);
+        out.Put(key->stringValue);
       }
-      std::fputc('\n', file);
+      out.Put('\n');
     }
-    std::fputc('\n', file);
+    out.Put('\n');
   }
+  out.Flush();
   std::fclose(file);
   return 1;
 }
