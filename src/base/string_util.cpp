@@ -103,6 +103,8 @@ char* strLower(char* text) {
 
 char* strTrim(char* text) {
   if (strIsEmpty(text)) return text;
+  // Most texts have nothing to trim: a blank at neither end leaves the text as it is.
+  if (!isSpace(text[0]) && !isSpace(text[std::strlen(text) - 1])) return text;
   char* start = text;
   while (isSpace(*start)) start++;
   // One pass finds the end and the last byte that isn't white space.

@@ -11,19 +11,18 @@ namespace {
 constexpr std::uint32_t kFirstCapacity = 32;
 // Keeps the size of a table within the 32 bits of memAlloc.
 constexpr std::uint32_t kMaxCapacity = 1u << 26;
-std::int32_t gWalkLimit = 8;
+std::int32_t gWalkLimit = 4;
 
 const char* nameOf(const CursorNode* node) {
   return node->payload ? *static_cast<const char* const*>(node->payload) : nullptr;
 }
 
-// FNV-1a over the name with A-Z folded to a-z, the only letters that strEquals folds.
+// FNV-1a over the name with bit 5 of every byte set. That folds A-Z onto a-z, so names that
+// strEquals takes as equal hash alike; the few other bytes it pairs up only share a hash.
 std::uint32_t hashName(const char* name) {
   std::uint32_t hash = 2166136261u;
   for (auto* p = reinterpret_cast<const unsigned char*>(name); *p; p++) {
-    unsigned char c = *p;
-    if (c >= 'A' && c <= 'Z') c = static_cast<unsigned char>(c + ('a' - 'A'));
-    hash = (hash ^ c) * 16777619u;
+    hash = (hash ^ (*p | 0x20u)) * 16777619u;
   }
   return hash;
 }

@@ -34,7 +34,7 @@ class NameIndex {
   // Forgets every name and frees the table.
   void Clear();
 
-  // Lists up to this many nodes are walked without a table (8 by default). 0 gives every list a
+  // Lists up to this many nodes are walked without a table (4 by default). 0 gives every list a
   // table from its first node on; INT32_MAX never makes one, which is the plain walk.
   static std::int32_t WalkLimit();
   static void SetWalkLimit(std::int32_t count);

@@ -26,7 +26,8 @@ void StringPool::Release() {
 }
 
 void StringPool::Reset() {
-  if (base) std::memset(base, 0, static_cast<std::size_t>(capacity));
+  // Nothing is ever written behind top, so zeroing the bytes in use zeroes the whole arena.
+  if (base) std::memset(base, 0, static_cast<std::size_t>(top - base));
   top = cursor = base;
 }
 
