@@ -1,12 +1,13 @@
 // NameIndex: a hash of the names in one CursorList, so that a lookup by name takes constant time.
 #pragma once
+#include <cstddef>
 #include <cstdint>
 
 #include "base/cursor_list.h"
 
 // Stands beside one CursorList whose payloads begin with a pointer to their name, as the
 // section list and the key lists of an IniFile do. The list must change only through Append
-// here, or be emptied whole after Clear here.
+// here, or be emptied whole after Clear here, and a filed payload must keep its name.
 //
 // Find gives what the list's FindByName gives and leaves `current` and `index` exactly where
 // that walk leaves them: the current node is tried first; otherwise a hit puts the cursor on the
@@ -41,9 +42,11 @@ class NameIndex {
 
  private:
   struct Slot {
+    const char* name;  // the node's name, kept here so that a probe reads no node
     CursorNode* node;  // null for a free slot
     std::int32_t position;
     std::uint32_t hash;
+    std::uint32_t length;  // of the name, in bytes
   };
 
   // Makes a table for the whole list; leaves none when memory runs out.
@@ -53,8 +56,9 @@ class NameIndex {
   bool File(CursorNode* node, std::int32_t position);
   // Moves the table to one of `capacity` slots; false, with the old one kept, without memory.
   bool Resize(std::uint32_t capacity);
-  // The slot holding `name` (with hash `hash`), or the free slot where it would go.
-  Slot* Probe(const char* name, std::uint32_t hash) const;
+  // The slot holding `name` (of `length` bytes, with hash `hash`), or the free slot where it
+  // would go.
+  Slot* Probe(const char* name, std::size_t length, std::uint32_t hash) const;
 
   Slot* slots_ = nullptr;
   std::uint32_t capacity_ = 0;  // a power of two while there is a table

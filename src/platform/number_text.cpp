@@ -35,6 +35,14 @@ std::size_t finish(char* out, std::to_chars_result result) {
   return static_cast<std::size_t>(result.ptr - out);
 }
 
+// Powers of ten that a double holds exactly.
+constexpr double kExactPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                   1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                   1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+constexpr int kLargestExactPower = 22;
+// Digits beyond this many no longer fit the 64-bit accumulator.
+constexpr int kMostDigits = 19;
+
 // Values below this, times 10^6, fit the 64 bits of the fast "%.6f".
 constexpr double kFastSixLimit = 9e12;
 
@@ -76,6 +84,19 @@ double numParseDouble(const char* text) {
   std::int64_t leadPower = 0;
   bool seenNonZero = false;
   bool seenDigit = false;
+  // The digits as one integer and the places behind the point, while they fit 64 bits.
+  std::uint64_t digits = 0;
+  int significant = 0;
+  int places = 0;
+  auto take = [&](char c, bool behindPoint) {
+    if (significant >= kMostDigits) {
+      significant = kMostDigits + 1;
+      return;
+    }
+    digits = digits * 10 + static_cast<std::uint64_t>(c - '0');
+    if (digits != 0) significant++;
+    if (behindPoint) places++;
+  };
   while (isDigit(*p)) {
     if (seenNonZero) {
       ++leadPower;
@@ -83,6 +104,7 @@ double numParseDouble(const char* text) {
       seenNonZero = true;
     }
     seenDigit = true;
+    take(*p, false);
     ++p;
   }
   if (*p == '.') {
@@ -93,24 +115,36 @@ double numParseDouble(const char* text) {
         seenNonZero = *p != '0';
       }
       seenDigit = true;
+      take(*p, true);
       ++p;
     }
   }
   if (!seenDigit) return 0.0;
 
   const char* end = p;
+  std::int64_t exponent = 0;
   if (*p == 'e' || *p == 'E') {
     const char* q = p + 1;
     bool exponentNegative = *q == '-';
     if (*q == '+' || *q == '-') ++q;
     if (isDigit(*q)) {
-      std::int64_t exponent = 0;
       for (; isDigit(*q); ++q) {
         if (exponent < kExponentCap) exponent = exponent * 10 + (*q - '0');
       }
-      leadPower += exponentNegative ? -exponent : exponent;
+      if (exponentNegative) exponent = -exponent;
+      leadPower += exponent;
       end = q;
     }
+  }
+
+  // Both the digits and the power of ten exact in a double: one correctly rounded operation
+  // gives the correctly rounded value.
+  std::int64_t power = exponent - places;
+  if (significant <= kMostDigits && digits <= (std::uint64_t{1} << 53) &&
+      power >= -kLargestExactPower && power <= kLargestExactPower) {
+    double value = static_cast<double>(digits);
+    value = power < 0 ? value / kExactPowers[-power] : value * kExactPowers[power];
+    return negative ? -value : value;
   }
 
   double value = 0.0;
