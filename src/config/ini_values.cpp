@@ -340,7 +340,7 @@ std::int32_t IniFile::IniCountSections(const char* format) {
 
 int IniFile::IniWrite(const char* name) {
   if (name) fmgCheckFilename(nullptr, name, "INI", fileName, kPathSize);
-  std::FILE* file = hostFileOpenStream(fileName, "w");
+  std::FILE* file = hostFileOpenRewriteStream(fileName);
   if (!file) return 0;
   WriteBuffer out(file);
   char number[64];
@@ -367,6 +367,6 @@ int IniFile::IniWrite(const char* name) {
     out.Put('\n');
   }
   out.Flush();
-  std::fclose(file);
+  hostFileCloseRewriteStream(file);
   return 1;
 }
