@@ -26,7 +26,8 @@ std::uint64_t mixIn(std::uint64_t hash, std::uint64_t piece) {
 }
 
 // The name is taken 8 bytes at a time; the last piece of a long name overlaps the one before.
-std::uint32_t hashName(const char* name, std::size_t length) {
+std::uint32_t hashName(const char* name) {
+  std::size_t length = std::strlen(name);
   std::uint64_t hash = length;
   std::uint64_t piece = 0;
   std::size_t at = 0;
@@ -46,23 +47,6 @@ std::uint32_t hashName(const char* name, std::size_t length) {
     hash = mixIn(hash, piece);
   }
   return static_cast<std::uint32_t>(hash ^ (hash >> 32));
-}
-
-char toLower(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; }
-
-// strEquals for two names of `length` bytes each, 8 bytes at a time where they match exactly.
-bool sameName(const char* a, const char* b, std::size_t length) {
-  std::size_t at = 0;
-  for (; at + 8 <= length; at += 8) {
-    std::uint64_t x, y;
-    std::memcpy(&x, a + at, 8);
-    std::memcpy(&y, b + at, 8);
-    if (x != y) break;
-  }
-  for (; at < length; at++) {
-    if (a[at] != b[at] && toLower(a[at]) != toLower(b[at])) return false;
-  }
-  return true;
 }
 
 // At most three quarters of the slots are used, so every probe ends at a free slot.
@@ -91,8 +75,7 @@ int NameIndex::Find(CursorList* list, const char* name) {
   if (list->count < 1 || strIsEmpty(name)) return 0;
   CursorNode* current = list->current;
   if (current && strEquals(nameOf(current), name, 0)) return 1;
-  std::size_t length = std::strlen(name);
-  Slot* slot = Probe(name, length, hashName(name, length));
+  Slot* slot = Probe(name, hashName(name));
   if (!slot->node) {
     list->current = nullptr;
     list->index = list->count;
@@ -126,15 +109,14 @@ void NameIndex::Build(CursorList* list) {
 bool NameIndex::File(CursorNode* node, std::int32_t position) {
   const char* name = nameOf(node);
   if (strIsEmpty(name)) return true;
-  std::size_t length = std::strlen(name);
-  std::uint32_t hash = hashName(name, length);
-  Slot* slot = Probe(name, length, hash);
+  std::uint32_t hash = hashName(name);
+  Slot* slot = Probe(name, hash);
   if (slot->node) return true;  // the earlier node of this name is the one a walk finds
   if (!fits(filed_ + 1, capacity_)) {
     if (!Resize(capacity_ * 2)) return false;
-    slot = Probe(name, length, hash);
+    slot = Probe(name, hash);
   }
-  *slot = Slot{name, node, position, hash, static_cast<std::uint32_t>(length)};
+  *slot = Slot{node, hash, position};
   filed_++;
   return true;
 }
@@ -158,14 +140,10 @@ bool NameIndex::Resize(std::uint32_t capacity) {
   return true;
 }
 
-NameIndex::Slot* NameIndex::Probe(const char* name, std::size_t length,
-                                   std::uint32_t hash) const {
+NameIndex::Slot* NameIndex::Probe(const char* name, std::uint32_t hash) const {
   std::uint32_t mask = capacity_ - 1;
   for (std::uint32_t at = hash & mask;; at = (at + 1) & mask) {
     Slot* slot = &slots_[at];
-    if (!slot->node) return slot;
-    if (slot->hash == hash && slot->length == length && sameName(slot->name, name, length)) {
-      return slot;
-    }
+    if (!slot->node || (slot->hash == hash && strEquals(nameOf(slot->node), name, 0))) return slot;
   }
 }

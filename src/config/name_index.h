@@ -1,6 +1,5 @@
 // NameIndex: a hash of the names in one CursorList, so that a lookup by name takes constant time.
 #pragma once
-#include <cstddef>
 #include <cstdint>
 
 #include "base/cursor_list.h"
@@ -42,11 +41,9 @@ class NameIndex {
 
  private:
   struct Slot {
-    const char* name;  // the node's name, kept here so that a probe reads no node
     CursorNode* node;  // null for a free slot
-    std::int32_t position;
     std::uint32_t hash;
-    std::uint32_t length;  // of the name, in bytes
+    std::int32_t position;
   };
 
   // Makes a table for the whole list; leaves none when memory runs out.
@@ -56,9 +53,8 @@ class NameIndex {
   bool File(CursorNode* node, std::int32_t position);
   // Moves the table to one of `capacity` slots; false, with the old one kept, without memory.
   bool Resize(std::uint32_t capacity);
-  // The slot holding `name` (of `length` bytes, with hash `hash`), or the free slot where it
-  // would go.
-  Slot* Probe(const char* name, std::size_t length, std::uint32_t hash) const;
+  // The slot holding `name` (with hash `hash`), or the free slot where it would go.
+  Slot* Probe(const char* name, std::uint32_t hash) const;
 
   Slot* slots_ = nullptr;
   std::uint32_t capacity_ = 0;  // a power of two while there is a table
