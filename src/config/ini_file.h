@@ -125,8 +125,12 @@ class IniFile {
   NameIndex sectionIndex;
 
  private:
-  // The key `key` of section `section`, or null; moves both list cursors.
-  IniKey* FindKey(const char* section, const char* key);
+  // The key `key` of section `section`, or null; moves both list cursors. *inSection, when
+  // given, is the section found, or null.
+  IniKey* FindKey(const char* section, const char* key, IniSection** inSection = nullptr);
+  // IniAddKey(section, record) for a record made right after FindKey missed `key` in `found`
+  // (null when the section was missed too), without repeating lookups that can only repeat.
+  int AddMissedKey(const char* section, IniSection* found, const char* key, IniKey* record);
   // A new record holding `text`, named by a copy of `key` in the arena; null when the arena
   // can't take the name (traced with `arenaFullTrace`, which has one %s) or memory runs out.
   IniKey* MakeNamedKey(const char* key, char* text, const char* arenaFullTrace);

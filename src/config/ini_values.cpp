@@ -151,11 +151,22 @@ class WriteBuffer {
 
 }  // namespace
 
-IniKey* IniFile::FindKey(const char* section, const char* key) {
+IniKey* IniFile::FindKey(const char* section, const char* key, IniSection** inSection) {
+  if (inSection) *inSection = nullptr;
   if (!sectionIndex.Find(&sections, section)) return nullptr;
   auto* found = static_cast<IniSection*>(sections.current->payload);
+  if (inSection) *inSection = found;
   if (!found->keyIndex.Find(&found->keys, key)) return nullptr;
   return static_cast<IniKey*>(found->keys.current->payload);
+}
+
+int IniFile::AddMissedKey(const char* section, IniSection* found, const char* key,
+                          IniKey* record) {
+  if (!record || !found || std::strcmp(record->name, key) != 0) return IniAddKey(section, record);
+  // IniAddKey would find the section where the cursor stands and miss the key again, leaving
+  // both cursors as they are now: only its append is left to do.
+  if (!found->keyIndex.Append(&found->keys, record)) memFree(record);
+  return 1;
 }
 
 std::int32_t IniFile::IniGetInt(const char* section, const char* key, std::int32_t defaultValue) {
@@ -236,7 +247,8 @@ IniKey* IniFile::MakeNamedKey(const char* key, char* text, const char* arenaFull
 
 int IniFile::IniSetInt(const char* section, const char* key, std::int32_t value) {
   if (!key) return 0;
-  if (IniKey* found = FindKey(section, key)) {
+  IniSection* target;
+  if (IniKey* found = FindKey(section, key, &target)) {
     found->type = kIniInteger;
     found->intValue = value;
     return 1;
@@ -246,12 +258,13 @@ int IniFile::IniSetInt(const char* section, const char* key, std::int32_t value)
   record->type = kIniInteger;
   record->intValue = value;
   record->floatValue = static_cast<float>(value);
-  return IniAddKey(section, record);
+  return AddMissedKey(section, target, key, record);
 }
 
 int IniFile::IniSetFloat(const char* section, const char* key, float value) {
   if (!key) return 0;
-  if (IniKey* found = FindKey(section, key)) {
+  IniSection* target;
+  if (IniKey* found = FindKey(section, key, &target)) {
     found->type = kIniFloat;
     found->floatValue = value;
     return 1;
@@ -261,7 +274,7 @@ int IniFile::IniSetFloat(const char* section, const char* key, float value) {
   record->type = kIniFloat;
   record->intValue = truncateToInt(value);
   record->floatValue = value;
-  return IniAddKey(section, record);
+  return AddMissedKey(section, target, key, record);
 }
 
 int IniFile::IniSetString(const char* section, const char* key, const char* value) {
@@ -274,24 +287,26 @@ int IniFile::IniSetString(const char* section, const char* key, const char* valu
     }
     text = pool.CurrentString();
   }
-  if (IniKey* found = FindKey(section, key)) {
+  IniSection* target;
+  if (IniKey* found = FindKey(section, key, &target)) {
     found->type = kIniString;
     found->stringValue = text;
     return 1;
   }
   // When the name doesn't fit, the copy of the value stays behind as dead text.
-  return IniAddKey(section, MakeNamedKey(key, text, kAppendKeyNameTrace));
+  return AddMissedKey(section, target, key, MakeNamedKey(key, text, kAppendKeyNameTrace));
 }
 
 int IniFile::IniSetBool(const char* section, const char* key, std::int32_t value) {
   if (!key) return 0;
   char* word = value ? trueString : falseString;
-  if (IniKey* found = FindKey(section, key)) {
+  IniSection* target;
+  if (IniKey* found = FindKey(section, key, &target)) {
     found->type = kIniString;
     found->stringValue = word;
     return 1;
   }
-  return IniAddKey(section, MakeNamedKey(key, word, kAppendKeyNameTrace));
+  return AddMissedKey(section, target, key, MakeNamedKey(key, word, kAppendKeyNameTrace));
 }
 
 int IniFile::IniAddKey(const char* section, IniKey* record) {

@@ -46,7 +46,12 @@ std::uint32_t hashName(const char* name) {
     }
     hash = mixIn(hash, piece);
   }
-  return static_cast<std::uint32_t>(hash ^ (hash >> 32));
+  // A multiply carries a change only upward: spread the last bytes into the low bits too,
+  // which pick the slot.
+  hash ^= hash >> 33;
+  hash *= 0xFF51AFD7ED558CCDu;
+  hash ^= hash >> 33;
+  return static_cast<std::uint32_t>(hash);
 }
 
 // At most three quarters of the slots are used, so every probe ends at a free slot.
