@@ -31,8 +31,10 @@ void deleteSection(IniSection* section) {
 
 // Each CR and each LF ends a line by itself; the text ends at its first zero byte.
 void cutLines(char* text) {
-  for (char* p = text; *p; p++) {
-    if (*p == '\r' || *p == '\n') *p = '\0';
+  for (char* p = text;;) {
+    p += std::strcspn(p, "\r\n");
+    if (*p == '\0') return;
+    *p++ = '\0';
   }
 }
 

@@ -54,6 +54,17 @@ std::uint32_t hashName(const char* name) {
   return static_cast<std::uint32_t>(hash);
 }
 
+// strEquals for a name that isn't empty against a stored name: texts equal byte for byte are
+// settled by the C library's vector routines, and only a mismatch is looked at letter by letter.
+// Bytes equal without regard to case are equal with bit 5 set, so a first byte that differs
+// there already decides.
+bool sameName(const char* stored, const char* name) {
+  if (!stored || ((stored[0] | 0x20) != (name[0] | 0x20))) return false;
+  std::size_t length = std::strlen(name);
+  if (std::strlen(stored) != length) return false;
+  return std::memcmp(stored, name, length) == 0 || strEquals(stored, name, 0) == 1;
+}
+
 // At most three quarters of the slots are used, so every probe ends at a free slot.
 bool fits(std::uint32_t filed, std::uint32_t capacity) { return filed * 4 <= capacity * 3; }
 
@@ -79,7 +90,7 @@ int NameIndex::Find(CursorList* list, const char* name) {
   if (!slots_) return list->FindByName(name);
   if (list->count < 1 || strIsEmpty(name)) return 0;
   CursorNode* current = list->current;
-  if (current && strEquals(nameOf(current), name, 0)) return 1;
+  if (current && sameName(nameOf(current), name)) return 1;
   Slot* slot = Probe(name, hashName(name));
   if (!slot->node) {
     list->current = nullptr;
@@ -149,6 +160,6 @@ NameIndex::Slot* NameIndex::Probe(const char* name, std::uint32_t hash) const {
   std::uint32_t mask = capacity_ - 1;
   for (std::uint32_t at = hash & mask;; at = (at + 1) & mask) {
     Slot* slot = &slots_[at];
-    if (!slot->node || (slot->hash == hash && strEquals(nameOf(slot->node), name, 0))) return slot;
+    if (!slot->node || (slot->hash == hash && sameName(nameOf(slot->node), name))) return slot;
   }
 }
