@@ -15,8 +15,7 @@ void StringPool::Create(std::int32_t size) {
     return;
   }
   capacity = size + 1;
-  base = static_cast<char*>(memAlloc(static_cast<std::uint32_t>(capacity)));
-  if (base) std::memset(base, 0, static_cast<std::size_t>(capacity));
+  base = static_cast<char*>(memAllocZeroed(static_cast<std::uint32_t>(capacity)));
   top = cursor = base;
 }
 

@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 // Under a sanitizer every block stays its own malloc, so that its bounds are checked.
@@ -80,9 +81,10 @@ struct HostHeap {
 
 namespace {
 
-Tag* allocateLarge(HostHeap* heap, std::size_t size) {
+Tag* allocateLarge(HostHeap* heap, std::size_t size, bool zeroed) {
   if (size > SIZE_MAX - sizeof(LargeHeader)) return nullptr;
-  auto* header = static_cast<LargeHeader*>(std::malloc(sizeof(LargeHeader) + size));
+  std::size_t whole = sizeof(LargeHeader) + size;
+  auto* header = static_cast<LargeHeader*>(zeroed ? std::calloc(1, whole) : std::malloc(whole));
   if (!header) return nullptr;
   header->previous = nullptr;
   header->next = heap->firstLarge;
@@ -131,20 +133,32 @@ HostHeap* hostHeapCreate() {
   return storage ? new (storage) HostHeap() : nullptr;
 }
 
-void* hostHeapAlloc(HostHeap* heap, std::size_t size) {
+namespace {
+
+void* allocate(HostHeap* heap, std::size_t size, bool zeroed) {
   if (!heap || failThisAllocation()) return nullptr;
   Tag* tag = nullptr;
   if (kCarve && size <= kHostHeapLargestCarved) {
     tag = carve(heap, size == 0 ? 0 : static_cast<std::uint32_t>((size - 1) / kGrain));
-    if (tag) tag->size = static_cast<std::uint32_t>(size);
+    if (!tag) return nullptr;
+    tag->size = static_cast<std::uint32_t>(size);
+    if (zeroed) std::memset(tag + 1, 0, size);
   } else {
-    tag = allocateLarge(heap, size);
+    tag = allocateLarge(heap, size, zeroed);
+    if (!tag) return nullptr;
   }
-  if (!tag) return nullptr;
   tag->owner = heap;
   heap->liveBlocks++;
   heap->liveBytes += static_cast<std::int64_t>(size);
   return tag + 1;
+}
+
+}  // namespace
+
+void* hostHeapAlloc(HostHeap* heap, std::size_t size) { return allocate(heap, size, false); }
+
+void* hostHeapAllocZeroed(HostHeap* heap, std::size_t size) {
+  return allocate(heap, size, true);
 }
 
 void hostHeapFree(HostHeap* heap, void* block) {

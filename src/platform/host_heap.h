@@ -16,6 +16,9 @@ HostHeap* hostHeapCreate();
 // so that overruns and uses after free are seen.
 void* hostHeapAlloc(HostHeap* heap, std::size_t size);
 constexpr std::size_t kHostHeapLargestCarved = 1024;
+// hostHeapAlloc, with the block cleared. A large block comes cleared from the host, so pages
+// that nobody writes are never touched.
+void* hostHeapAllocZeroed(HostHeap* heap, std::size_t size);
 
 // Gives a block back to its heap. A null block is ignored; a block of another heap, or one
 // given back twice, aborts the process.
