@@ -84,22 +84,40 @@ void NameIndex::Clear() {
   slots_ = nullptr;
   capacity_ = 0;
   filed_ = 0;
+  unique_ = true;
+  placed_ = nullptr;
+  missed_ = nullptr;
 }
 
 int NameIndex::Find(CursorList* list, const char* name) {
+  missed_ = nullptr;
   if (!slots_) return list->FindByName(name);
   if (list->count < 1 || strIsEmpty(name)) return 0;
   CursorNode* current = list->current;
   if (current && sameName(nameOf(current), name)) return 1;
-  Slot* slot = Probe(name, hashName(name));
+  // Names read in list order: with every name filed once, the node behind the one this index
+  // put the cursor on is the first of its name, and its position is one more.
+  if (unique_ && current && current == placed_ && current->next &&
+      sameName(nameOf(current->next), name)) {
+    Place(list, current->next, placedPosition_ + 1);
+    return 1;
+  }
+  std::uint32_t hash = hashName(name);
+  Slot* slot = Probe(name, hash);
   if (!slot->node) {
     list->current = nullptr;
     list->index = list->count;
+    missed_ = name;
+    missedHash_ = hash;
     return 0;
   }
-  list->current = slot->node;
-  list->index = slot->position;
+  Place(list, slot->node, slot->position);
   return 1;
+}
+
+void NameIndex::Place(CursorList* list, CursorNode* node, std::int32_t position) {
+  list->current = placed_ = node;
+  list->index = placedPosition_ = position;
 }
 
 int NameIndex::Append(CursorList* list, void* payload) {
@@ -108,6 +126,11 @@ int NameIndex::Append(CursorList* list, void* payload) {
     if (!File(list->tail, list->count - 1)) Clear();
   } else if (list->count > gWalkLimit) {
     Build(list);
+  }
+  missed_ = nullptr;
+  if (slots_) {
+    placed_ = list->tail;
+    placedPosition_ = list->count - 1;
   }
   return 1;
 }
@@ -125,9 +148,13 @@ void NameIndex::Build(CursorList* list) {
 bool NameIndex::File(CursorNode* node, std::int32_t position) {
   const char* name = nameOf(node);
   if (strIsEmpty(name)) return true;
-  std::uint32_t hash = hashName(name);
+  // Appending right after a miss of the same name: the name's hash is known.
+  std::uint32_t hash = name == missed_ ? missedHash_ : hashName(name);
   Slot* slot = Probe(name, hash);
-  if (slot->node) return true;  // the earlier node of this name is the one a walk finds
+  if (slot->node) {  // the earlier node of this name is the one a walk finds
+    unique_ = false;
+    return true;
+  }
   if (!fits(filed_ + 1, capacity_)) {
     if (!Resize(capacity_ * 2)) return false;
     slot = Probe(name, hash);

@@ -6,7 +6,8 @@
 
 // Stands beside one CursorList whose payloads begin with a pointer to their name, as the
 // section list and the key lists of an IniFile do. The list must change only through Append
-// here, or be emptied whole after Clear here, and a filed payload must keep its name.
+// here, or be emptied whole after Clear here, and a filed payload must keep its name (the name
+// given to a Find that missed, too, until the Append that follows it).
 //
 // Find gives what the list's FindByName gives and leaves `current` and `index` exactly where
 // that walk leaves them: the current node is tried first; otherwise a hit puts the cursor on the
@@ -55,8 +56,15 @@ class NameIndex {
   bool Resize(std::uint32_t capacity);
   // The slot holding `name` (with hash `hash`), or the free slot where it would go.
   Slot* Probe(const char* name, std::uint32_t hash) const;
+  // Puts the list's cursor on `node` at `position` and remembers both.
+  void Place(CursorList* list, CursorNode* node, std::int32_t position);
 
   Slot* slots_ = nullptr;
   std::uint32_t capacity_ = 0;  // a power of two while there is a table
   std::uint32_t filed_ = 0;
+  bool unique_ = true;  // no two filed nodes had the same name
+  CursorNode* placed_ = nullptr;  // where this index last put the cursor, and its position
+  std::int32_t placedPosition_ = -1;
+  const char* missed_ = nullptr;  // the name of the last miss, and its hash
+  std::uint32_t missedHash_ = 0;
 };
