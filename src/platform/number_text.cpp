@@ -43,24 +43,31 @@ constexpr int kLargestExactPower = 22;
 // Digits beyond this many no longer fit the 64-bit accumulator.
 constexpr int kMostDigits = 19;
 
-// Values below this, times 10^6, fit the 64 bits of the fast "%.6f".
-constexpr double kFastSixLimit = 9e12;
+// Values below this, times 10^6, fit the 64 bits of the fast fixed form.
+constexpr double kFastFixedLimit = 9e12;
+constexpr int kFastFixedDecimals = 6;
 
-// "%.6f" of a value that a float holds exactly. Its product with 10^6 is then exact in a double
-// (24 bits of mantissa times 15625, times a power of two), so rounding that product to an
-// integer, to even on a tie, rounds the decimal expansion exactly as printf does.
-std::size_t formatFloatSix(char* out, std::size_t size, double value) {
-  auto units = static_cast<std::uint64_t>(std::nearbyint(std::fabs(value) * 1e6));
+// printf("%.*f") of a value that a float holds exactly, with 0 to 6 decimals. Its product with
+// 10^decimals is then exact in a double (24 bits of mantissa times at most 5^6, times a power of
+// two), so rounding that product to an integer, to even on a tie, rounds the decimal expansion
+// exactly as printf does.
+std::size_t formatFloatFixed(char* out, std::size_t size, double value, int decimals) {
+  double scale = kExactPowers[decimals];
+  auto units = static_cast<std::uint64_t>(std::nearbyint(std::fabs(value) * scale));
+  auto unit = static_cast<std::uint64_t>(scale);
   char text[32];
   char* p = text;
   if (std::signbit(value)) *p++ = '-';
-  p = std::to_chars(p, text + sizeof text, units / 1000000).ptr;
-  *p++ = '.';
-  std::uint64_t fraction = units % 1000000;
-  for (int digit = 5; digit >= 0; --digit, fraction /= 10) {
-    p[digit] = static_cast<char>('0' + fraction % 10);
+  p = std::to_chars(p, text + sizeof text, units / unit).ptr;
+  if (decimals > 0) {
+    *p++ = '.';
+    std::uint64_t fraction = units % unit;
+    for (int digit = decimals - 1; digit >= 0; --digit, fraction /= 10) {
+      p[digit] = static_cast<char>('0' + fraction % 10);
+    }
+    p += decimals;
   }
-  auto length = static_cast<std::size_t>(p + 6 - text);
+  auto length = static_cast<std::size_t>(p - text);
   if (length >= size) {
     out[0] = 0;
     return 0;
@@ -168,9 +175,9 @@ std::int32_t numParseInt(const char* text) {
 std::size_t numFormatFixed(char* out, std::size_t size, double value, int decimals) {
   if (out == nullptr || size == 0) return 0;
   if (decimals < 0) decimals = 6;
-  if (decimals == 6 && std::fabs(value) < kFastSixLimit &&
+  if (decimals <= kFastFixedDecimals && std::fabs(value) < kFastFixedLimit &&
       static_cast<double>(static_cast<float>(value)) == value) {
-    return formatFloatSix(out, size, value);
+    return formatFloatFixed(out, size, value, decimals);
   }
   return finish(out, std::to_chars(out, out + size - 1, value, std::chars_format::fixed, decimals));
 }
