@@ -46,9 +46,6 @@ struct RewriteMark {
   std::atomic<bool> active{false};
   std::atomic<std::int64_t> position{0};
   std::atomic<std::int64_t> end{0};  // the furthest byte written so far
-  // The file marked, so that a mark left by a descriptor closed elsewhere never cuts another.
-  std::atomic<std::uint64_t> device{0};
-  std::atomic<std::uint64_t> inode{0};
 };
 constexpr int kRewriteMarks = 1024;
 RewriteMark gRewrites[kRewriteMarks];
@@ -81,8 +78,6 @@ int openRewrite(const char* path) {
   RewriteMark& mark = gRewrites[descriptor];
   mark.position.store(0, std::memory_order_relaxed);
   mark.end.store(0, std::memory_order_relaxed);
-  mark.device.store(static_cast<std::uint64_t>(status.st_dev), std::memory_order_relaxed);
-  mark.inode.store(static_cast<std::uint64_t>(status.st_ino), std::memory_order_relaxed);
   mark.active.store(true, std::memory_order_relaxed);
   return descriptor;
 }
@@ -93,12 +88,6 @@ int cutRewrite(int descriptor, std::int64_t end) {
   RewriteMark* mark = rewriteOf(descriptor);
   if (!mark) return 0;
   mark->active.store(false, std::memory_order_relaxed);
-  struct stat status;
-  if (fstat(descriptor, &status) != 0 ||
-      static_cast<std::uint64_t>(status.st_dev) != mark->device.load(std::memory_order_relaxed) ||
-      static_cast<std::uint64_t>(status.st_ino) != mark->inode.load(std::memory_order_relaxed)) {
-    return 0;  // not the file that was marked
-  }
   if (end < 0) return -1;
   return ftruncate(descriptor, static_cast<off_t>(end)) == 0 ? 0 : -1;
 }

@@ -2,9 +2,7 @@
 #include "platform/host_file.h"
 
 #include <gtest/gtest.h>
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cstring>
 #include <filesystem>
@@ -109,14 +107,4 @@ TEST(HostFile, RewritesCutTheOldTailWhenClosed) {
     EXPECT_EQ(readWholeFile(path), row.expected) << row.name;
   }
   EXPECT_EQ(writes("x", -1, "")("\\dev\\null"), 0);
-  // A descriptor closed behind this layer's back leaves its mark; the next file to get its
-  // number is not cut by it.
-  writeWholeFile(dir.file("other"), "kept");
-  std::int32_t stale = hostFileCreate(systemPath(path).c_str());
-  hostFileWrite(stale, "x", 1);
-  close(stale);
-  int other = open(dir.file("other").c_str(), O_WRONLY);
-  ASSERT_EQ(other, stale) << "the lowest free descriptor comes back";
-  EXPECT_EQ(hostFileClose(other), 0);
-  EXPECT_EQ(readWholeFile(dir.file("other")), "kept");
 }
