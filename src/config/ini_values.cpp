@@ -355,7 +355,7 @@ std::int32_t IniFile::IniCountSections(const char* format) {
 
 int IniFile::IniWrite(const char* name) {
   if (name) fmgCheckFilename(nullptr, name, "INI", fileName, kPathSize);
-  std::FILE* file = hostFileOpenRewriteStream(fileName);
+  std::FILE* file = hostFileOpenStream(fileName, "w");
   if (!file) return 0;
   WriteBuffer out(file);
   char number[64];
@@ -382,6 +382,6 @@ int IniFile::IniWrite(const char* name) {
     out.Put('\n');
   }
   out.Flush();
-  hostFileCloseRewriteStream(file);
+  std::fclose(file);
   return 1;
 }

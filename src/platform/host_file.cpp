@@ -6,7 +6,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -37,61 +36,6 @@ class HostPath {
 
 int openFlagsOf(int flags) { return flags | O_CLOEXEC; }
 
-// A file being rewritten is cut when it is closed rather than emptied when it is opened: on
-// ext4, emptying a file frees all its blocks at once (each freed range trimmed on the spot when
-// the disk is mounted with discard) and sends the new bytes to the disk as the file is closed,
-// which costs more than the whole rewrite. The marks are kept by descriptor; one past the
-// table is emptied at the open instead. Atomic, since threads open and close descriptors.
-struct RewriteMark {
-  std::atomic<bool> active{false};
-  std::atomic<std::int64_t> position{0};
-  std::atomic<std::int64_t> end{0};  // the furthest byte written so far
-};
-constexpr int kRewriteMarks = 1024;
-RewriteMark gRewrites[kRewriteMarks];
-
-RewriteMark* rewriteOf(int descriptor) {
-  if (descriptor < 0 || descriptor >= kRewriteMarks) return nullptr;
-  RewriteMark* mark = &gRewrites[descriptor];
-  return mark->active.load(std::memory_order_relaxed) ? mark : nullptr;
-}
-
-// Opens `path` to be rewritten; -1 on failure.
-int openRewrite(const char* path) {
-  HostPath hostPath(path);
-  if (!hostPath.valid()) return -1;
-  int descriptor;
-  do {
-    descriptor = open(hostPath.text(), openFlagsOf(O_WRONLY | O_CREAT), 0666);
-  } while (descriptor < 0 && errno == EINTR);
-  if (descriptor < 0) return -1;
-  // Only a regular file has bytes to cut; a device or a pipe is written as it comes.
-  struct stat status;
-  if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) return descriptor;
-  if (descriptor >= kRewriteMarks) {
-    if (ftruncate(descriptor, 0) != 0) {
-      close(descriptor);
-      return -1;
-    }
-    return descriptor;
-  }
-  RewriteMark& mark = gRewrites[descriptor];
-  mark.position.store(0, std::memory_order_relaxed);
-  mark.end.store(0, std::memory_order_relaxed);
-  mark.active.store(true, std::memory_order_relaxed);
-  return descriptor;
-}
-
-// Cuts a rewritten file after `end` and drops its mark; 0 done (or nothing to cut), -1 when
-// the cut failed or `end` is unknown (below 0), which leaves the file as it stands.
-int cutRewrite(int descriptor, std::int64_t end) {
-  RewriteMark* mark = rewriteOf(descriptor);
-  if (!mark) return 0;
-  mark->active.store(false, std::memory_order_relaxed);
-  if (end < 0) return -1;
-  return ftruncate(descriptor, static_cast<off_t>(end)) == 0 ? 0 : -1;
-}
-
 }  // namespace
 
 std::int32_t hostFileOpenRead(const char* path, HostAccess access) {
@@ -113,13 +57,19 @@ std::int32_t hostFileOpenRead(const char* path, HostAccess access) {
   return descriptor;
 }
 
-std::int32_t hostFileCreate(const char* path) { return openRewrite(path); }
+std::int32_t hostFileCreate(const char* path) {
+  HostPath hostPath(path);
+  if (!hostPath.valid()) return -1;
+  int descriptor;
+  do {
+    descriptor = open(hostPath.text(), openFlagsOf(O_WRONLY | O_CREAT | O_TRUNC), 0666);
+  } while (descriptor < 0 && errno == EINTR);
+  return descriptor < 0 ? -1 : descriptor;
+}
 
 std::int32_t hostFileClose(std::int32_t descriptor) {
-  RewriteMark* mark = rewriteOf(descriptor);
-  int cut = mark ? cutRewrite(descriptor, mark->end.load(std::memory_order_relaxed)) : 0;
   // Linux releases the descriptor even when close is interrupted: never retry.
-  return close(descriptor) == 0 && cut == 0 ? 0 : -1;
+  return close(descriptor) == 0 ? 0 : -1;
 }
 
 std::int32_t hostFileRead(std::int32_t descriptor, void* buffer, std::uint32_t count) {
@@ -143,13 +93,6 @@ std::int32_t hostFileWrite(std::int32_t descriptor, const void* buffer, std::uin
     if (put <= 0) return done > 0 ? static_cast<std::int32_t>(done) : -1;
     done += static_cast<std::uint32_t>(put);
   }
-  if (RewriteMark* mark = rewriteOf(descriptor)) {
-    std::int64_t position = mark->position.load(std::memory_order_relaxed) + done;
-    mark->position.store(position, std::memory_order_relaxed);
-    if (position > mark->end.load(std::memory_order_relaxed)) {
-      mark->end.store(position, std::memory_order_relaxed);
-    }
-  }
   return static_cast<std::int32_t>(done);
 }
 
@@ -169,11 +112,7 @@ std::int64_t hostFileSeek(std::int32_t descriptor, std::int64_t offset, std::int
       return -1;
   }
   off_t position = lseek(descriptor, static_cast<off_t>(offset), whence);
-  if (position < 0) return -1;
-  if (RewriteMark* mark = rewriteOf(descriptor)) {
-    mark->position.store(static_cast<std::int64_t>(position), std::memory_order_relaxed);
-  }
-  return static_cast<std::int64_t>(position);
+  return position < 0 ? -1 : static_cast<std::int64_t>(position);
 }
 
 int hostFileStat(std::int32_t descriptor, std::int64_t* size) {
@@ -187,22 +126,6 @@ std::FILE* hostFileOpenStream(const char* path, const char* mode) {
   HostPath hostPath(path);
   if (!hostPath.valid() || !mode) return nullptr;
   return std::fopen(hostPath.text(), mode);
-}
-
-std::FILE* hostFileOpenRewriteStream(const char* path) {
-  int descriptor = openRewrite(path);
-  if (descriptor < 0) return nullptr;
-  std::FILE* stream = fdopen(descriptor, "w");
-  if (!stream) hostFileClose(descriptor);
-  return stream;
-}
-
-int hostFileCloseRewriteStream(std::FILE* stream) {
-  int flushed = std::fflush(stream);
-  off_t end = ftello(stream);
-  int cut = cutRewrite(fileno(stream), static_cast<std::int64_t>(end));
-  int closed = std::fclose(stream);
-  return flushed == 0 && end >= 0 && cut == 0 && closed == 0 ? 0 : -1;
 }
 
 int hostPathExists(const char* path) {

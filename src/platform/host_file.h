@@ -12,12 +12,10 @@ enum class HostAccess { kSequential, kRandom };
 
 // Opens a file for reading. The descriptor, or -1.
 std::int32_t hostFileOpenRead(const char* path, HostAccess access);
-// Creates a file for writing, or takes one that exists to be rewritten; a new file gets read
-// and write for all, less the umask. An existing file keeps its old bytes behind those written
-// until hostFileClose cuts it after the furthest byte written, so once closed it holds exactly
-// what was written, as if it had been emptied at the start. The descriptor, or -1.
+// Creates a file for writing, or empties one that exists; a new file gets read and write for
+// all, less the umask. The descriptor, or -1.
 std::int32_t hostFileCreate(const char* path);
-// Cuts a file from hostFileCreate after the furthest byte written, then closes. 0 closed, -1 not.
+// 0 closed, -1 not.
 std::int32_t hostFileClose(std::int32_t descriptor);
 // Bytes read (at most 0x7FFFFFFF at once), 0 at the end of the file, -1 on an error.
 std::int32_t hostFileRead(std::int32_t descriptor, void* buffer, std::uint32_t count);
@@ -32,13 +30,6 @@ std::int64_t hostFileSeek(std::int32_t descriptor, std::int64_t offset, std::int
 int hostFileStat(std::int32_t descriptor, std::int64_t* size);
 // A C stream on the file, for writers that format text; null on failure. `mode` as fopen's.
 std::FILE* hostFileOpenStream(const char* path, const char* mode);
-// A stream that writes the file from its start, made as hostFileCreate makes a file: an
-// existing file keeps its old bytes behind the stream's position until
-// hostFileCloseRewriteStream cuts it there. Null on failure.
-std::FILE* hostFileOpenRewriteStream(const char* path);
-// Flushes the stream, cuts the file at the stream's position and closes it. 0 done, -1 when
-// the flush, the cut or the close failed (the stream is closed all the same).
-int hostFileCloseRewriteStream(std::FILE* stream);
 // 1 if something (a file, a directory, anything) has this name; else 0.
 int hostPathExists(const char* path);
 // 0 removed, -1 not.

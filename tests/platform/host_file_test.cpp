@@ -6,7 +6,6 @@
 
 #include <cstring>
 #include <filesystem>
-#include <functional>
 #include <string>
 
 #include "kernel_fixture.h"
@@ -68,43 +67,4 @@ TEST(HostFile, CreatesReadWriteForAllUnderTheUmask) {
     EXPECT_EQ(static_cast<unsigned>(std::filesystem::status(path).permissions()), 0666u & ~mask)
         << path;
   }
-}
-
-// A rewritten file holds exactly what was written once closed, however long it was before and
-// wherever the writer seeked; a stream is cut at its position. A device is written as it comes.
-TEST(HostFile, RewritesCutTheOldTailWhenClosed) {
-  TempDir dir;
-  const std::string path = dir.file("r.bin");
-  auto writes = [](const char* bytes, std::int64_t seekTo, const char* more) {
-    return [=](const char* name) {
-      std::int32_t descriptor = hostFileCreate(name);
-      auto length = static_cast<std::uint32_t>(std::strlen(bytes));
-      EXPECT_EQ(hostFileWrite(descriptor, bytes, length), static_cast<std::int32_t>(length));
-      if (seekTo >= 0) {
-        EXPECT_EQ(hostFileSeek(descriptor, seekTo, 0), seekTo);
-      }
-      hostFileWrite(descriptor, more, static_cast<std::uint32_t>(std::strlen(more)));
-      return hostFileClose(descriptor);
-    };
-  };
-  const struct {
-    const char* name;
-    std::function<int(const char*)> write;
-    const char* expected;
-  } rows[] = {
-      {"shorter", writes("new", -1, ""), "new"},
-      {"seek back", writes("new!", 2, "W"), "neW!"},
-      {"nothing", writes("", -1, ""), ""},
-      {"stream", [](const char* name) {
-         std::FILE* stream = hostFileOpenRewriteStream(name);
-         std::fputs("text", stream);
-         return hostFileCloseRewriteStream(stream);
-       }, "text"},
-  };
-  for (const auto& row : rows) {
-    writeWholeFile(path, std::string(5000, 'o'));
-    EXPECT_EQ(row.write(systemPath(path).c_str()), 0) << row.name;
-    EXPECT_EQ(readWholeFile(path), row.expected) << row.name;
-  }
-  EXPECT_EQ(writes("x", -1, "")("\\dev\\null"), 0);
 }
