@@ -7,11 +7,23 @@
 MemoryManager* gMEM = nullptr;
 std::uint32_t gAllocTag = 0;
 
+namespace {
+
+// An odd size is rounded up to an even one.
+std::uint64_t evenSize(std::uint32_t size) {
+  return (static_cast<std::uint64_t>(size) + 1) & ~std::uint64_t{1};
+}
+
+}  // namespace
+
 void* MemoryManager::Alloc(std::uint32_t size, std::uint32_t, std::uint32_t, std::uint32_t) {
   SpinLockGuard guard(lock);
-  if (size == 0) return nullptr;
-  std::uint64_t even = (static_cast<std::uint64_t>(size) + 1) & ~std::uint64_t{1};
-  return hostHeapAlloc(heap, even);
+  return size == 0 ? nullptr : hostHeapAlloc(heap, evenSize(size));
+}
+
+void* MemoryManager::AllocZeroed(std::uint32_t size) {
+  SpinLockGuard guard(lock);
+  return size == 0 ? nullptr : hostHeapAllocZeroed(heap, evenSize(size));
 }
 
 void MemoryManager::Free(void* block) {
@@ -29,7 +41,8 @@ void MemoryManager::ReservedB(std::uint32_t) {}
 void MemoryManager::Init() {
   lock.Reset();
   SpinLockGuard guard(lock);
-  for (MemoryRecord& record : records) record = MemoryRecord{};
+  // Nothing ever writes the records, so they still hold the zeros of static initialisation;
+  // clearing them again would only bring 768 KiB of untouched pages into memory.
   recordCount = 0;
   heap = hostHeapCreate();
   for (std::uint32_t& word : reservedWords) word = 0;
@@ -44,6 +57,8 @@ void MemoryManager::Shutdown() {
 }
 
 void* memAlloc(std::uint32_t size) { return gMEM->Alloc(size, 0, 0, gAllocTag); }
+
+void* memAllocZeroed(std::uint32_t size) { return gMEM->AllocZeroed(size); }
 
 void memFree(void* block) {
   if (gMEM) gMEM->Free(block);

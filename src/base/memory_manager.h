@@ -25,6 +25,10 @@ class MemoryManager : public MemoryInterface {
   void Compact() override;
   void ReservedB(std::uint32_t word) override;
 
+  // Alloc with the block cleared; not in the table. The arenas take it, so that the pages of a
+  // large block that nobody writes are never touched.
+  void* AllocZeroed(std::uint32_t size);
+
   // Creates the heap. Bring-up only.
   void Init();
   // Destroys the heap with every block still on it. Shutdown only.
@@ -45,5 +49,7 @@ extern std::uint32_t gAllocTag;
 
 // Alloc on gMEM with the size, 0, 0 and gAllocTag. gMEM must be set.
 void* memAlloc(std::uint32_t size);
+// AllocZeroed on gMEM: memAlloc with the block cleared. gMEM must be set.
+void* memAllocZeroed(std::uint32_t size);
 // Free on gMEM; does nothing while gMEM is null, so clean-ups at process exit are safe.
 void memFree(void* block);

@@ -8,9 +8,8 @@
 
 namespace {
 
-bool isSpace(char c) {
-  return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
-}
+// Space, or one of \t \n \v \f \r, which lie together from 9 to 13.
+bool isSpace(char c) { return c == ' ' || static_cast<unsigned char>(c - '\t') <= '\r' - '\t'; }
 
 char toUpper(char c) { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c; }
 
@@ -55,10 +54,11 @@ void strFree(char** text) {
 int strEquals(const char* a, const char* b, int caseSensitive) {
   if (strIsEmpty(a) || strIsEmpty(b)) return 0;
   if (caseSensitive) return std::strcmp(a, b) == 0 ? 1 : 0;
-  for (; *a && *b; a++, b++) {
-    if (toLower(*a) != toLower(*b)) return 0;
+  // Case is folded only where the bytes differ; a NUL against anything else never folds equal.
+  for (;; a++, b++) {
+    if (*a != *b && toLower(*a) != toLower(*b)) return 0;
+    if (*a == '\0') return 1;
   }
-  return *a == *b ? 1 : 0;
 }
 
 char* strCopyN(char* destination, const char* source, int size) {
@@ -103,13 +103,23 @@ char* strLower(char* text) {
 
 char* strTrim(char* text) {
   if (strIsEmpty(text)) return text;
+  // Most texts have nothing to trim: a blank at neither end leaves the text as it is.
+  if (!isSpace(text[0]) && !isSpace(text[std::strlen(text) - 1])) return text;
   char* start = text;
   while (isSpace(*start)) start++;
-  if (start != text) std::memmove(text, start, std::strlen(start) + 1);
-  if (text[0] == '\0') return text;
-  char* lastSolid = text;
-  for (char* p = text; *p; p++) {
-    if (!isSpace(*p)) lastSolid = p;
+  // One pass finds the end and the last byte that isn't white space.
+  char* end = start;
+  char* lastSolid = nullptr;
+  for (; *end; end++) {
+    if (!isSpace(*end)) lastSolid = end;
+  }
+  if (!lastSolid) {
+    text[0] = '\0';
+    return text;
+  }
+  if (start != text) {
+    std::memmove(text, start, static_cast<std::size_t>(end - start) + 1);
+    lastSolid -= start - text;
   }
   lastSolid[1] = '\0';
   return text;

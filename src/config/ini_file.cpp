@@ -31,8 +31,10 @@ void deleteSection(IniSection* section) {
 
 // Each CR and each LF ends a line by itself; the text ends at its first zero byte.
 void cutLines(char* text) {
-  for (char* p = text; *p; p++) {
-    if (*p == '\r' || *p == '\n') *p = '\0';
+  for (char* p = text;;) {
+    p += std::strcspn(p, "\r\n");
+    if (*p == '\0') return;
+    *p++ = '\0';
   }
 }
 
@@ -104,7 +106,7 @@ void IniSection::IniParseKeys(StringPool* pool, const char* fileName) {
     IniKey* key = IniKey::Make(line, equals + 1);
     if (!key) continue;
     // A key whose node can't be had is dropped with the same words as a duplicate.
-    if (keys.FindByName(key->name) || !keys.Append(key)) {
+    if (keyIndex.Find(&keys, key->name) || !keyIndex.Append(&keys, key)) {
       dbgTrace("Deleting duplicate key %s from %s...", key->name, fileName);
       memFree(key);
     }
@@ -114,6 +116,7 @@ void IniSection::IniParseKeys(StringPool* pool, const char* fileName) {
 void IniSection::IniSectionClear() {
   for (keys.MoveFirst(); keys.current; keys.MoveNext()) memFree(keys.current->payload);
   keys.Clear();
+  keyIndex.Clear();
   name = nullptr;
 }
 
@@ -150,6 +153,7 @@ IniFile::~IniFile() {
   strFree(&falseString);
   pool.Release();
   sections.Clear();
+  sectionIndex.Clear();
 }
 
 int IniFile::IniParseFile(const char* name) {
@@ -198,7 +202,7 @@ void IniFile::ReadSectionHeader(char* line, const char* parsedFile) {
   char* name = line + 1;
   std::size_t length = std::strlen(name);
   if (length > 0 && name[length - 1] == ']') name[length - 1] = '\0';
-  if (sections.FindByName(name)) {
+  if (sectionIndex.Find(&sections, name)) {
     // The first section of a name wins whole; the key lines of this one are read as lines
     // outside a section, which is to say ignored.
     dbgTrace("Deleting duplicate section %s from %s...", name, parsedFile);
@@ -213,7 +217,7 @@ void IniFile::ReadSectionHeader(char* line, const char* parsedFile) {
     return;
   }
   section->IniParseKeys(&pool, fileName);
-  if (!sections.Append(section)) {
+  if (!sectionIndex.Append(&sections, section)) {
     dbgTrace("Unable to append section %s to the list, file %s!", name, parsedFile);
     deleteSection(section);
   }

@@ -6,6 +6,7 @@
 #include <new>
 
 #include "base/cursor_list.h"
+#include "config/name_index.h"
 #include "config/string_pool.h"
 
 // The type tag of a key: which of its three views IniWrite prints.
@@ -28,17 +29,20 @@ struct IniKey {
 };
 
 // One section: its keys in order of first appearance. Owns its IniKey records and their nodes,
-// no text. Both records begin with their name, which CursorList::FindByName relies on.
+// no text. Both records begin with their name, which CursorList::FindByName and NameIndex rely
+// on. keys changes only through keyIndex.
 struct IniSection {
   char* name = nullptr;
   CursorList keys;
+  NameIndex keyIndex;
 
   // Reads key lines from the pool's cursor on, until the pool ends or a line that begins with
   // `[` or `#`, where the cursor is left. The first key of a name wins; a later one is traced
   // as a duplicate of `fileName` and dropped, as is a key whose node can't be had. A line whose
   // record can't be had is skipped.
   void IniParseKeys(StringPool* pool, const char* fileName);
-  // Frees every key record, empties keys and sets name to null. The caller frees the section.
+  // Frees every key record, empties keys and its index and sets name to null. The caller frees
+  // the section.
   void IniSectionClear();
 };
 
@@ -117,10 +121,16 @@ class IniFile {
   char* emptyString = nullptr;
   char* trueString = nullptr;
   char* falseString = nullptr;
+  // Beside sections, which changes only through it.
+  NameIndex sectionIndex;
 
  private:
-  // The key `key` of section `section`, or null; moves both list cursors.
-  IniKey* FindKey(const char* section, const char* key);
+  // The key `key` of section `section`, or null; moves both list cursors. *inSection, when
+  // given, is the section found, or null.
+  IniKey* FindKey(const char* section, const char* key, IniSection** inSection = nullptr);
+  // IniAddKey(section, record) for a record made right after FindKey missed `key` in `found`
+  // (null when the section was missed too), without repeating lookups that can only repeat.
+  int AddMissedKey(const char* section, IniSection* found, const char* key, IniKey* record);
   // A new record holding `text`, named by a copy of `key` in the arena; null when the arena
   // can't take the name (traced with `arenaFullTrace`, which has one %s) or memory runs out.
   IniKey* MakeNamedKey(const char* key, char* text, const char* arenaFullTrace);

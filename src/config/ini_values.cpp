@@ -117,13 +117,56 @@ int formatNumbered(char* out, std::size_t size, const char* format, std::int32_t
   return conversions == 1 ? 1 : 0;
 }
 
+// Gathers the text of a write and hands it to the stream in large pieces.
+class WriteBuffer {
+ public:
+  explicit WriteBuffer(std::FILE* file) : file_(file) {}
+  WriteBuffer(const WriteBuffer&) = delete;
+  WriteBuffer& operator=(const WriteBuffer&) = delete;
+
+  void Put(const char* text, std::size_t length) {
+    if (length > sizeof data_ - used_) {
+      Flush();
+      if (length > sizeof data_) {
+        std::fwrite(text, 1, length, file_);
+        return;
+      }
+    }
+    std::memcpy(data_ + used_, text, length);
+    used_ += length;
+  }
+  void Put(const char* text) { Put(text, std::strlen(text)); }
+  void Put(char c) { Put(&c, 1); }
+  // Hands what is gathered to the stream; call before the stream is closed.
+  void Flush() {
+    if (used_ > 0) std::fwrite(data_, 1, used_, file_);
+    used_ = 0;
+  }
+
+ private:
+  std::FILE* file_;
+  char data_[32768];
+  std::size_t used_ = 0;
+};
+
 }  // namespace
 
-IniKey* IniFile::FindKey(const char* section, const char* key) {
-  if (!sections.FindByName(section)) return nullptr;
+IniKey* IniFile::FindKey(const char* section, const char* key, IniSection** inSection) {
+  if (inSection) *inSection = nullptr;
+  if (!sectionIndex.Find(&sections, section)) return nullptr;
   auto* found = static_cast<IniSection*>(sections.current->payload);
-  if (!found->keys.FindByName(key)) return nullptr;
+  if (inSection) *inSection = found;
+  if (!found->keyIndex.Find(&found->keys, key)) return nullptr;
   return static_cast<IniKey*>(found->keys.current->payload);
+}
+
+int IniFile::AddMissedKey(const char* section, IniSection* found, const char* key,
+                          IniKey* record) {
+  if (!record || !found || std::strcmp(record->name, key) != 0) return IniAddKey(section, record);
+  // IniAddKey would find the section where the cursor stands and miss the key again, leaving
+  // both cursors as they are now: only its append is left to do.
+  if (!found->keyIndex.Append(&found->keys, record)) memFree(record);
+  return 1;
 }
 
 std::int32_t IniFile::IniGetInt(const char* section, const char* key, std::int32_t defaultValue) {
@@ -204,7 +247,8 @@ IniKey* IniFile::MakeNamedKey(const char* key, char* text, const char* arenaFull
 
 int IniFile::IniSetInt(const char* section, const char* key, std::int32_t value) {
   if (!key) return 0;
-  if (IniKey* found = FindKey(section, key)) {
+  IniSection* target;
+  if (IniKey* found = FindKey(section, key, &target)) {
     found->type = kIniInteger;
     found->intValue = value;
     return 1;
@@ -214,12 +258,13 @@ int IniFile::IniSetInt(const char* section, const char* key, std::int32_t value)
   record->type = kIniInteger;
   record->intValue = value;
   record->floatValue = static_cast<float>(value);
-  return IniAddKey(section, record);
+  return AddMissedKey(section, target, key, record);
 }
 
 int IniFile::IniSetFloat(const char* section, const char* key, float value) {
   if (!key) return 0;
-  if (IniKey* found = FindKey(section, key)) {
+  IniSection* target;
+  if (IniKey* found = FindKey(section, key, &target)) {
     found->type = kIniFloat;
     found->floatValue = value;
     return 1;
@@ -229,7 +274,7 @@ int IniFile::IniSetFloat(const char* section, const char* key, float value) {
   record->type = kIniFloat;
   record->intValue = truncateToInt(value);
   record->floatValue = value;
-  return IniAddKey(section, record);
+  return AddMissedKey(section, target, key, record);
 }
 
 int IniFile::IniSetString(const char* section, const char* key, const char* value) {
@@ -242,30 +287,32 @@ int IniFile::IniSetString(const char* section, const char* key, const char* valu
     }
     text = pool.CurrentString();
   }
-  if (IniKey* found = FindKey(section, key)) {
+  IniSection* target;
+  if (IniKey* found = FindKey(section, key, &target)) {
     found->type = kIniString;
     found->stringValue = text;
     return 1;
   }
   // When the name doesn't fit, the copy of the value stays behind as dead text.
-  return IniAddKey(section, MakeNamedKey(key, text, kAppendKeyNameTrace));
+  return AddMissedKey(section, target, key, MakeNamedKey(key, text, kAppendKeyNameTrace));
 }
 
 int IniFile::IniSetBool(const char* section, const char* key, std::int32_t value) {
   if (!key) return 0;
   char* word = value ? trueString : falseString;
-  if (IniKey* found = FindKey(section, key)) {
+  IniSection* target;
+  if (IniKey* found = FindKey(section, key, &target)) {
     found->type = kIniString;
     found->stringValue = word;
     return 1;
   }
-  return IniAddKey(section, MakeNamedKey(key, word, kAppendKeyNameTrace));
+  return AddMissedKey(section, target, key, MakeNamedKey(key, word, kAppendKeyNameTrace));
 }
 
 int IniFile::IniAddKey(const char* section, IniKey* record) {
   if (!record) return 0;
   IniSection* target = nullptr;
-  if (sections.FindByName(section)) {
+  if (sectionIndex.Find(&sections, section)) {
     target = static_cast<IniSection*>(sections.current->payload);
   } else {
     if (!section || !pool.Append(section)) {
@@ -280,7 +327,7 @@ int IniFile::IniAddKey(const char* section, IniKey* record) {
     }
     target = new (block) IniSection;
     target->name = pool.CurrentString();
-    if (!sections.Append(target)) {
+    if (!sectionIndex.Append(&sections, target)) {
       dbgTrace("Unable to append section %s to the list!", section);
       target->~IniSection();
       memFree(target);
@@ -289,7 +336,10 @@ int IniFile::IniAddKey(const char* section, IniKey* record) {
     }
   }
   // A record that isn't filed (its name is there already, or no node) would be owned by nobody.
-  if (target->keys.FindByName(record->name) || !target->keys.Append(record)) memFree(record);
+  if (target->keyIndex.Find(&target->keys, record->name) ||
+      !target->keyIndex.Append(&target->keys, record)) {
+    memFree(record);
+  }
   return 1;
 }
 
@@ -299,7 +349,7 @@ std::int32_t IniFile::IniCountSections(const char* format) {
   for (std::int32_t n = 1;; n++) {
     // A format the formatter can't take fails at 1 already; a later failure is a name too long.
     if (!formatNumbered(name, sizeof name, format, n)) return n - 1;
-    if (!sections.FindByName(name)) return n - 1;
+    if (!sectionIndex.Find(&sections, name)) return n - 1;
   }
 }
 
@@ -307,30 +357,31 @@ int IniFile::IniWrite(const char* name) {
   if (name) fmgCheckFilename(nullptr, name, "INI", fileName, kPathSize);
   std::FILE* file = hostFileOpenStream(fileName, "w");
   if (!file) return 0;
+  WriteBuffer out(file);
   char number[64];
   for (sections.MoveFirst(); sections.current; sections.MoveNext()) {
     auto* section = static_cast<IniSection*>(sections.current->payload);
-    std::fputc('[', file);
-    std::fputs(section->name ? section->name : "", file);
-    std::fputs("]\n", file);
+    out.Put('[');
+    out.Put(section->name ? section->name : "");
+    out.Put("]\n", 2);
     CursorList& keys = section->keys;
     for (keys.MoveFirst(); keys.current; keys.MoveNext()) {
       auto* key = static_cast<IniKey*>(keys.current->payload);
-      std::fputs(key->name ? key->name : "", file);
-      std::fputc('=', file);
+      out.Put(key->name ? key->name : "");
+      out.Put('=');
       if (key->type == kIniInteger) {
-        numFormatInt(number, sizeof number, key->intValue);
-        std::fputs(number, file);
+        out.Put(number, numFormatInt(number, sizeof number, key->intValue));
       } else if (key->type == kIniFloat) {
-        numFormatFixed(number, sizeof number, static_cast<double>(key->floatValue), 6);
-        std::fputs(number, file);
+        out.Put(number, numFormatFixed(number, sizeof number,
+                                       static_cast<double>(key->floatValue), 6));
       } else if (!strIsEmpty(key->stringValue)) {
-        std::fputs(key->stringValue, file);
+        out.Put(key->stringValue);
       }
-      std::fputc('\n', file);
+      out.Put('\n');
     }
-    std::fputc('\n', file);
+    out.Put('\n');
   }
+  out.Flush();
   std::fclose(file);
   return 1;
 }

@@ -56,7 +56,8 @@ namespace {
 constexpr const char* kSectionFormat = "GunData%03d";
 constexpr int kPathSize = 260;
 constexpr int kColorTextSize = 1024;  // three "%f" texts of any float, with their commas
-
+// The binary file goes out in pieces of up to this many bytes rather than a write per record.
+constexpr std::size_t kBinaryBatch = 32768;
 
 // "%f,%f,%f" of the three colour components.
 void colorText(char* out, const float* color) {
@@ -170,12 +171,18 @@ int GunFileSave(GunListView* view, const char* path) {
     winMessageBox(view, "ERROR!", "Unable to create %s for writing!", path);
     return 0;
   }
-  unsigned char count[4];
-  putLittleEndian32(count, GunList.count);
-  gFMG->WriteFile(handle, count, sizeof count);
+  unsigned char batch[kBinaryBatch];
+  putLittleEndian32(batch, GunList.count);
+  std::size_t used = 4;
   for (GunList.MoveFirst(); GunList.current; GunList.MoveNext()) {
-    gFMG->WriteFile(handle, GunList.current->payload, sizeof(GunData));
+    if (used + sizeof(GunData) > sizeof batch) {
+      gFMG->WriteFile(handle, batch, static_cast<std::uint32_t>(used));
+      used = 0;
+    }
+    std::memcpy(batch + used, GunList.current->payload, sizeof(GunData));
+    used += sizeof(GunData);
   }
+  gFMG->WriteFile(handle, batch, static_cast<std::uint32_t>(used));
   gFMG->CloseFile(handle);
   saveText(path);
   return 1;

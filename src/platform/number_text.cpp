@@ -3,6 +3,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstring>
 #include <system_error>
 
 namespace {
@@ -34,6 +35,48 @@ std::size_t finish(char* out, std::to_chars_result result) {
   return static_cast<std::size_t>(result.ptr - out);
 }
 
+// Powers of ten that a double holds exactly.
+constexpr double kExactPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                   1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                   1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+constexpr int kLargestExactPower = 22;
+// Digits beyond this many no longer fit the 64-bit accumulator.
+constexpr int kMostDigits = 19;
+
+// Values below this, times 10^6, fit the 64 bits of the fast fixed form.
+constexpr double kFastFixedLimit = 9e12;
+constexpr int kFastFixedDecimals = 6;
+
+// printf("%.*f") of a value that a float holds exactly, with 0 to 6 decimals. Its product with
+// 10^decimals is then exact in a double (24 bits of mantissa times at most 5^6, times a power of
+// two), so rounding that product to an integer, to even on a tie, rounds the decimal expansion
+// exactly as printf does.
+std::size_t formatFloatFixed(char* out, std::size_t size, double value, int decimals) {
+  double scale = kExactPowers[decimals];
+  auto units = static_cast<std::uint64_t>(std::nearbyint(std::fabs(value) * scale));
+  auto unit = static_cast<std::uint64_t>(scale);
+  char text[32];
+  char* p = text;
+  if (std::signbit(value)) *p++ = '-';
+  p = std::to_chars(p, text + sizeof text, units / unit).ptr;
+  if (decimals > 0) {
+    *p++ = '.';
+    std::uint64_t fraction = units % unit;
+    for (int digit = decimals - 1; digit >= 0; --digit, fraction /= 10) {
+      p[digit] = static_cast<char>('0' + fraction % 10);
+    }
+    p += decimals;
+  }
+  auto length = static_cast<std::size_t>(p - text);
+  if (length >= size) {
+    out[0] = 0;
+    return 0;
+  }
+  std::memcpy(out, text, length);
+  out[length] = 0;
+  return length;
+}
+
 }  // namespace
 
 namespace {
@@ -52,6 +95,19 @@ double parseDoublePrefix(const char* text, const char** end) {
   std::int64_t leadPower = 0;
   bool seenNonZero = false;
   bool seenDigit = false;
+  // The digits as one integer and the places behind the point, while they fit 64 bits.
+  std::uint64_t digits = 0;
+  int significant = 0;
+  int places = 0;
+  auto take = [&](char c, bool behindPoint) {
+    if (significant >= kMostDigits) {
+      significant = kMostDigits + 1;
+      return;
+    }
+    digits = digits * 10 + static_cast<std::uint64_t>(c - '0');
+    if (digits != 0) significant++;
+    if (behindPoint) places++;
+  };
   while (isDigit(*p)) {
     if (seenNonZero) {
       ++leadPower;
@@ -59,6 +115,7 @@ double parseDoublePrefix(const char* text, const char** end) {
       seenNonZero = true;
     }
     seenDigit = true;
+    take(*p, false);
     ++p;
   }
   if (*p == '.') {
@@ -69,24 +126,36 @@ double parseDoublePrefix(const char* text, const char** end) {
         seenNonZero = *p != '0';
       }
       seenDigit = true;
+      take(*p, true);
       ++p;
     }
   }
   if (!seenDigit) return 0.0;
 
   *end = p;
+  std::int64_t exponent = 0;
   if (*p == 'e' || *p == 'E') {
     const char* q = p + 1;
     bool exponentNegative = *q == '-';
     if (*q == '+' || *q == '-') ++q;
     if (isDigit(*q)) {
-      std::int64_t exponent = 0;
       for (; isDigit(*q); ++q) {
         if (exponent < kExponentCap) exponent = exponent * 10 + (*q - '0');
       }
-      leadPower += exponentNegative ? -exponent : exponent;
+      if (exponentNegative) exponent = -exponent;
+      leadPower += exponent;
       *end = q;
     }
+  }
+
+  // Both the digits and the power of ten exact in a double: one correctly rounded operation
+  // gives the correctly rounded value.
+  std::int64_t power = exponent - places;
+  if (significant <= kMostDigits && digits <= (std::uint64_t{1} << 53) &&
+      power >= -kLargestExactPower && power <= kLargestExactPower) {
+    double value = static_cast<double>(digits);
+    value = power < 0 ? value / kExactPowers[-power] : value * kExactPowers[power];
+    return negative ? -value : value;
   }
 
   double value = 0.0;
@@ -130,6 +199,10 @@ std::int32_t numParseInt(const char* text) {
 std::size_t numFormatFixed(char* out, std::size_t size, double value, int decimals) {
   if (out == nullptr || size == 0) return 0;
   if (decimals < 0) decimals = 6;
+  if (decimals <= kFastFixedDecimals && std::fabs(value) < kFastFixedLimit &&
+      static_cast<double>(static_cast<float>(value)) == value) {
+    return formatFloatFixed(out, size, value, decimals);
+  }
   return finish(out, std::to_chars(out, out + size - 1, value, std::chars_format::fixed, decimals));
 }
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstring>
 
 #include "base/memory_manager.h"
 #include "kernel_fixture.h"
@@ -22,4 +23,22 @@ TEST_F(MemoryManagerTest, RoundsOddSizesUpRefusesZeroAndPassesAFailureOn) {
   hostHeapFailNth(1);
   EXPECT_EQ(memAlloc(16), nullptr);
   memFree(nullptr);
+}
+
+// A cleared block is cleared whatever lay there before, small or large, and counts as any block.
+TEST_F(MemoryManagerTest, ClearsTheBlocksItIsAskedToClear) {
+  for (std::uint32_t size : {1u, 24u, 200u, 4000u, 300000u}) {
+    for (int round = 0; round < 2; round++) {  // the second round may reuse the first's block
+      std::int64_t before = hostHeapLiveBytes(gMEM->heap);
+      auto* block = static_cast<unsigned char*>(memAllocZeroed(size));
+      ASSERT_NE(block, nullptr) << size;
+      EXPECT_EQ(hostHeapLiveBytes(gMEM->heap) - before, (size + 1) & ~1u) << size;
+      for (std::uint32_t i = 0; i < size; i++) ASSERT_EQ(block[i], 0) << size << " at " << i;
+      std::memset(block, 0xA5, size);
+      memFree(block);
+    }
+  }
+  EXPECT_EQ(memAllocZeroed(0), nullptr);
+  hostHeapFailNth(1);
+  EXPECT_EQ(memAllocZeroed(64), nullptr);
 }

@@ -1,7 +1,9 @@
-// Tests of the private heap stand-in: alignment, live counts, destroy and the fail switch.
+// Tests of the private heap stand-in: alignment, live counts, reuse, destroy and the fail switch.
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstring>
+#include <vector>
 
 #include "platform/host_heap.h"
 
@@ -34,5 +36,56 @@ TEST(HostHeap, FailSwitchFailsExactlyTheNthAllocationOnce) {
     EXPECT_EQ(hostHeapAlloc(heap, 4) == nullptr, nth == 3) << nth;
   }
   EXPECT_EQ(hostHeapLiveBlocks(heap), 3);
+  hostHeapDestroy(heap);
+}
+
+// Blocks of every size around the carving limit, over many slabs, never overlap; given-back
+// space is reused and the counts follow the blocks, not the slabs.
+TEST(HostHeap, KeepsBlocksApartAcrossSizesSlabsAndReuse) {
+  HostHeap* heap = hostHeapCreate();
+  const std::size_t sizes[] = {0, 1, 15, 16, 17, 48, 560, kHostHeapLargestCarved,
+                               kHostHeapLargestCarved + 1, 70000};
+  std::vector<std::pair<unsigned char*, std::size_t>> blocks;
+  std::int64_t bytes = 0;
+  for (int round = 0; round < 600; round++) {
+    for (std::size_t size : sizes) {
+      auto* block = static_cast<unsigned char*>(hostHeapAlloc(heap, size));
+      ASSERT_NE(block, nullptr) << size;
+      ASSERT_EQ(reinterpret_cast<std::uintptr_t>(block) % 16, 0u) << size;
+      std::memset(block, static_cast<int>(blocks.size() & 0xFF), size);
+      blocks.emplace_back(block, size);
+      bytes += static_cast<std::int64_t>(size);
+    }
+    if (round % 3 == 2) {  // give back every other block of the round: their space is reused
+      for (std::size_t i = blocks.size() - 10; i < blocks.size(); i += 2) {
+        hostHeapFree(heap, blocks[i].first);
+        bytes -= static_cast<std::int64_t>(blocks[i].second);
+        blocks[i].first = nullptr;
+      }
+    }
+  }
+  std::int64_t live = 0;
+  for (std::size_t i = 0; i < blocks.size(); i++) {
+    if (!blocks[i].first) continue;
+    live++;
+    for (std::size_t b = 0; b < blocks[i].second; b++) {
+      ASSERT_EQ(blocks[i].first[b], i & 0xFF) << "block " << i << " byte " << b;
+    }
+  }
+  EXPECT_EQ(hostHeapLiveBlocks(heap), live);
+  EXPECT_EQ(hostHeapLiveBytes(heap), bytes);
+  hostHeapDestroy(heap);
+}
+
+TEST(HostHeapDeathTest, AbortsOnASecondFreeAndOnAnotherHeapsBlock) {
+  HostHeap* heap = hostHeapCreate();
+  HostHeap* other = hostHeapCreate();
+  for (std::size_t size : {std::size_t{24}, std::size_t{5000}}) {
+    void* block = hostHeapAlloc(heap, size);
+    EXPECT_DEATH(hostHeapFree(other, block), "") << size;
+    hostHeapFree(heap, block);
+    EXPECT_DEATH(hostHeapFree(heap, block), "") << size;
+  }
+  hostHeapDestroy(other);
   hostHeapDestroy(heap);
 }

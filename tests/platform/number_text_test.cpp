@@ -38,7 +38,8 @@ struct Inputs {
       "0e99999999999999999999", "1e-99999999999999999999", "0.000001e308000000000000"};
   std::vector<double> doubles = {
       0.0, -0.0, 0.5, 2.5, -2.5, 0.15, 0.35, 0.0000005, 0.0000015, 0.0000025, 1e-7, 0.0078125,
-      -0.0078125, 999999.9999995, 1e21, 9007199254740993.0, DBL_MAX, -DBL_MAX, FLT_MAX, DBL_MIN,
+      -0.0078125, 999999.9999995, 8999999995904.0, 9000000520192.0, -8.9999999e12, 1e-6,
+      widenFloat(1), widenFloat(0x80000001u), -1e-7, 3.4028235e38, 1e21, 9007199254740993.0, DBL_MAX, -DBL_MAX, FLT_MAX, DBL_MIN,
       4.9e-324, 1e-320, HUGE_VAL, -HUGE_VAL, NAN, widenFloat(0xFFC00000u)};
   std::vector<std::int32_t> ints = {0, 1, -1, 10, INT32_MAX, INT32_MIN};
   Inputs() {
@@ -51,6 +52,9 @@ struct Inputs {
     for (int i = 0; i < 3000; ++i) {
       doubles.push_back(std::bit_cast<double>(random()));
       doubles.push_back(widenFloat(static_cast<std::uint32_t>(random())));
+      // Floats of everyday size, the ones gun files hold.
+      doubles.push_back(static_cast<float>(std::ldexp(static_cast<double>(random() % (1u << 24)),
+                                                      static_cast<int>(random() % 40) - 40)));
       // Everyday sizes, many of them exact ties at some digit.
       doubles.push_back((static_cast<double>(random() % 2000000) - 1e6) / (i % 2 ? 128 : 1000));
       ints.push_back(static_cast<std::int32_t>(random()));
