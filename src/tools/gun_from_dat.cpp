@@ -58,7 +58,10 @@ void warnDifferences(int number, const GunData& stored, const GunData& record,
   for (const DerivedField& field : kDerivedFields) {
     const auto* a = reinterpret_cast<const char*>(&stored) + field.offset;
     const auto* b = reinterpret_cast<const char*>(&record) + field.offset;
-    if (std::memcmp(a, b, 4) != 0) derived += (derived.empty() ? "" : ", ") + std::string(field.name);
+    if (std::memcmp(a, b, 4) != 0) {
+      if (!derived.empty()) derived += ", ";
+      derived += field.name;
+    }
     std::memcpy(reinterpret_cast<char*>(&rest) + field.offset, b, 4);
   }
   if (!derived.empty()) {
