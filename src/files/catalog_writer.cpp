@@ -11,7 +11,6 @@
 namespace {
 
 constexpr std::uint64_t kMaxCatalogSize = 0xFFFFFFFF;
-constexpr std::uint32_t kHeaderSize = 28;
 // Large enough that the per-call cost of reading and writing vanishes against the copying.
 constexpr std::uint32_t kBufferSize = 1 << 20;
 
