@@ -17,14 +17,6 @@ namespace fs = std::filesystem;
 using Strings = std::vector<std::string>;
 constexpr int kYes = ShellWindow::kYes, kNo = ShellWindow::kNo, kCancel = ShellWindow::kCancel;
 
-// The edit form, accepted with `name` typed in; "" cancels it.
-FakeWindow::Form Accept(const std::string& name) {
-  return [name](EditGunDialog* form) {
-    std::snprintf(form->TypeName, sizeof form->TypeName, "%s", name.c_str());
-    return name.empty() ? GunListView::kCancelled : 1;
-  };
-}
-
 std::string Settings(const std::string& directory, int x, int y) {
   return "[Tessarine]\nTargetDirectory=" + systemPath(directory) + "\nPositionX=" +
          std::to_string(x) + "\nPositionY=" + std::to_string(y) + "\n\n";
@@ -47,8 +39,11 @@ class ShellTest : public KernelTest {
     fs::create_directories(fs::path(root_ + "/" + relative).parent_path());
     return systemPath(root_ + "/" + relative);
   }
-  void AddGun(const std::string& name) {
-    window_.forms.push_back(Accept(name));
+  void AddGun(const std::string& name) {  // through New Gun, the form accepted with this name
+    window_.forms.push_back([name](EditGunDialog* form) {
+      std::snprintf(form->TypeName, sizeof form->TypeName, "%s", name.c_str());
+      return 1;
+    });
     RunGunCommand(&window_, OnNewGun);
   }
   // "hasPath dirty caption rows... @ TargetDirectory cwd", the directories relative to root.
