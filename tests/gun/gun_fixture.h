@@ -10,16 +10,27 @@
 
 using Names = std::vector<std::string>;
 
+// A fake window whose reads of one cell number can be made to fail, as a control's may.
+class GunWindow : public FakeWindow {
+ public:
+  int ReadCell(int row, int cell, char* buffer) override {
+    return cell == unreadableCell ? 0 : FakeWindow::ReadCell(row, cell, buffer);
+  }
+  int unreadableCell = -1;
+};
+
 class GunTest : public KernelTest {
  protected:
   void TearDown() override {
     GunListEmpty(&window);
     KernelTest::TearDown();
   }
-  // Scripts the next edit form to accept this name with caliber 20, ROF 600, MuzzleVel 800.
+  // Scripts the next edit form to accept this name, "<name> gun", caliber 20, ROF 600 and
+  // MuzzleVel 800.
   void AcceptForm(const std::string& name) {
     window.forms.push_back([=](EditGunDialog* form) {
       std::snprintf(form->TypeName, sizeof form->TypeName, "%s", name.c_str());
+      std::snprintf(form->FullName, sizeof form->FullName, "%s gun", name.c_str());
       form->Caliber = 20, form->ROF = 600, form->MuzzleVel = 800;
       return 1;
     });
@@ -43,5 +54,5 @@ class GunTest : public KernelTest {
     GunList.MoveToIndex(index);
     return static_cast<GunData*>(GunList.current->payload);
   }
-  FakeWindow window;
+  GunWindow window;
 };

@@ -23,10 +23,8 @@ namespace {
 namespace fs = std::filesystem;
 
 std::string gunSection(int number, const std::string& name) {
-  char header[32];
-  std::snprintf(header, sizeof header, "[GunData%03d]\n", number);
-  return std::string(header) + "TypeName=" + name + "\nCaliber=7.62\nROF=600\nMuzzleVel=800\nAmmoWt=0.02\n" +
-         "AddLight=TRUE\nFireColor=1,0.5,0.25\n\n";
+  return "[GunData00" + std::to_string(number) + "]\nTypeName=" + name +
+         "\nCaliber=7.62\nROF=600\nMuzzleVel=800\nAmmoWt=0.02\nAddLight=TRUE\nFireColor=1,0.5,0.25\n\n";
 }
 
 // A user who answers everything the same way, whatever a failure changed in the flow: accepts
@@ -38,18 +36,17 @@ class SteadyUser final : public FakeWindow {
     return 1;
   }
   int AskYesNoCancel(const char*, const char*) override { return kNo; }
-  int ChooseOpenFile(char* path, char* title, const char*) override { return Pick(path, title); }
-  int ChooseSaveFile(char* path, char* title, const char*, const char*) override {
-    return Pick(path, title);
-  }
-  std::string chosen;
-
- private:
-  int Pick(char* path, char* title) {
+  int ChooseOpenFile(char* path, char* title, const char*) override {
     std::snprintf(path, kPathSize, "%s", chosen.c_str());
     std::snprintf(title, kPathSize, "%s", chosen.substr(chosen.rfind('\\') + 1).c_str());
     return 1;
   }
+  int ChooseSaveFile(char* path, char* title, const char*, const char*) override {
+    return ChooseOpenFile(path, title, nullptr);
+  }
+  std::string chosen;
+
+ private:
   int forms_ = 0;
 };
 
