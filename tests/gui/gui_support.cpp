@@ -49,11 +49,15 @@ void MainWindowTest::SetUp() {
   KernelTest::SetUp();
   cwd_ = std::filesystem::current_path();
   std::filesystem::current_path(root_.path());
+  OpenWindow();
+  ASSERT_TRUE(window_->isActiveWindow());
+}
+
+void MainWindowTest::OpenWindow() {
   window_ = new GunListDialog;
   window_->OnInitDialog();
   window_->show();
   Activate();
-  ASSERT_TRUE(window_->isActiveWindow());
 }
 
 void MainWindowTest::Activate() {

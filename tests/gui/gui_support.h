@@ -40,6 +40,8 @@ class MainWindowTest : public KernelTest {
   QWidget* Button(const char* name);
   // Makes the main window the active one again, as it is after a modal window closes.
   void Activate();
+  // Opens a new main window, as at start-up, and makes it the active one.
+  void OpenWindow();
 
   TempDir root_;
   std::filesystem::path cwd_;

@@ -43,13 +43,10 @@ int actionsOfRun() {
 
 class Monkey : public MainWindowTest {
  protected:
-  template <typename T>
-  const T& Pick(const std::vector<T>& items) {
-    return items[std::uniform_int_distribution<std::size_t>(0, items.size() - 1)(random_)];
-  }
-  template <typename T, std::size_t N>
-  const T& Pick(const T (&items)[N]) {
-    return items[std::uniform_int_distribution<std::size_t>(0, N - 1)(random_)];
+  template <typename Items>
+  const auto& Pick(const Items& items) {
+    std::size_t last = static_cast<std::size_t>(std::size(items)) - 1;
+    return items[std::uniform_int_distribution<std::size_t>(0, last)(random_)];
   }
   bool Chance(int percent) { return std::uniform_int_distribution<int>(1, 100)(random_) <= percent; }
 
@@ -68,18 +65,13 @@ class Monkey : public MainWindowTest {
     if (!modal || !modal->isVisible()) return;
     answers_++;
     if (auto* form = qobject_cast<EditGunForm*>(modal)) return AnswerForm(form);
-    if (auto* box = qobject_cast<QMessageBox*>(modal)) {
-      QList<QAbstractButton*> offered = box->buttons();
-      std::vector<QAbstractButton*> buttons(offered.begin(), offered.end());
-      return click(Pick(buttons));
-    }
+    if (auto* box = qobject_cast<QMessageBox*>(modal)) return click(Pick(box->buttons()));
     if (auto* chooser = qobject_cast<QFileDialog*>(modal)) return AnswerChooser(chooser);
     ADD_FAILURE() << "an unexpected modal " << modal->metaObject()->className();
     modal->close();
   }
   void AnswerForm(EditGunForm* form) {
-    std::vector<QLineEdit*> fields;
-    for (QLineEdit* field : form->findChildren<QLineEdit*>()) fields.push_back(field);
+    QList<QLineEdit*> fields = form->findChildren<QLineEdit*>();
     switch (std::uniform_int_distribution<int>(0, 5)(random_)) {
       case 0: {
         QLineEdit* field = Pick(fields);
@@ -134,10 +126,7 @@ class Monkey : public MainWindowTest {
     if (window_->isVisible()) return;
     reopened_++;
     delete window_;
-    window_ = new GunListDialog;
-    window_->OnInitDialog();
-    window_->show();
-    Activate();
+    OpenWindow();
   }
 
   // The rows show the gun list: as many, in order, each named by its record.

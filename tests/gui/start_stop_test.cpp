@@ -72,7 +72,7 @@ TEST(DialogUnitsTest, PlacesBothTemplatesInTheDialogFont) {
   EXPECT_EQ(form.findChild<QWidget*>("OK")->geometry(), units.Rect(240, 265, 50, 14));
 }
 
-TEST(QtWindowCallsTest, MovesMeasuresAndMinimisesTheWindowAndCountsTheCursor) {
+TEST(QtWindowCallsTest, MovesShowsAndFocusesTheWindowAndHidesTheCursor) {
   QWidget window;
   window.show();
   ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
@@ -86,11 +86,24 @@ TEST(QtWindowCallsTest, MovesMeasuresAndMinimisesTheWindowAndCountsTheCursor) {
   EXPECT_TRUE(window.windowFlags() & Qt::WindowStaysOnTopHint);
   calls->ShowWindow(&window, kHostMinimize);
   EXPECT_TRUE(window.isMinimized());
+  calls->ShowWindow(&window, kHostShowMaximized);
+  calls->UpdateWindow(&window);
+  EXPECT_TRUE(window.isMaximized());
+  QLineEdit field(&window);
+  field.show();
+  calls->SetActiveWindow(&window);
+  calls->SetFocus(&field);
+  EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+  EXPECT_EQ(window.focusWidget(), &field);
 
-  EXPECT_EQ(calls->ShowCursor(0), -1);
-  ASSERT_NE(QApplication::overrideCursor(), nullptr);
-  EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::BlankCursor);
-  EXPECT_EQ(calls->ShowCursor(1), 0);
+  HostHandle arrow = calls->GetCursor();
+  for (HostHandle cursor : {arrow, static_cast<HostHandle>(nullptr)}) {  // hidden either way
+    calls->SetCursor(cursor);
+    EXPECT_EQ(calls->ShowCursor(cursor ? 0 : 1), cursor ? -1 : 0);
+    ASSERT_NE(QApplication::overrideCursor(), nullptr);
+    EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::BlankCursor);
+  }
+  calls->SetCursor(arrow);
   EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 
   HostMessage message = {};

@@ -1,5 +1,5 @@
 // Tests of the Application service on a recording window system: the state switch, the cursor's
-// display count, the message pump, the text and the handles.
+// display count, the message pump and the text.
 #include <gtest/gtest.h>
 
 #include <deque>
@@ -37,14 +37,6 @@ class RecordingWindow final : public HostWindowCalls {
     calls.push_back("show " + std::to_string(command));
   }
   void UpdateWindow(HostHandle) override { calls.push_back("update"); }
-  void SetWindowPosTopmost(HostHandle, std::int32_t x, std::int32_t y, std::int32_t w,
-                           std::int32_t h) override {
-    calls.push_back("place " + std::to_string(x) + "," + std::to_string(y) + "," +
-                    std::to_string(w) + "," + std::to_string(h));
-  }
-  void GetWindowRect(HostHandle window, HostRect* rect) override {
-    if (window == &mainWindow) *rect = HostRect{10, 20, 30, 40};
-  }
   HostHandle GetCursor() override { return &arrowCursor; }
   void SetCursor(HostHandle cursor) override {
     calls.push_back(cursor == &arrowCursor ? "cursor arrow" : "cursor none");
@@ -105,11 +97,6 @@ TEST_F(ApplicationTest, SwitchesWindowAndCursorOnlyOnAChange) {
   app.SetActive(0);
   EXPECT_EQ(TakeCalls(), (Calls{"show 6", "cursor arrow", "count -2", "count -1", "count 0"}));
   EXPECT_EQ(app.IsActive(), 0);
-  app.PlaceWindow(1, 2, 3, 4);
-  EXPECT_EQ(TakeCalls(), Calls{"place 1,2,3,4"});
-  HostRect bounds{};
-  app.GetWindowBounds(&bounds);
-  EXPECT_EQ(bounds.right, 30);
 }
 
 TEST_F(ApplicationTest, PumpsUntilEmptyWhenActiveAndUntilQuitOrWakeWhenNot) {
@@ -136,7 +123,7 @@ TEST_F(ApplicationTest, PumpsUntilEmptyWhenActiveAndUntilQuitOrWakeWhenNot) {
   }
 }
 
-TEST_F(ApplicationTest, KeepsTextHandlesAndTheDirectoryOfBringUp) {
+TEST_F(ApplicationTest, KeepsItsTextCutAndTheDirectoryOfBringUp) {
   EXPECT_EQ(app.HasText(), 0);
   app.SetText("");
   EXPECT_EQ(app.HasText(), 1);
@@ -153,13 +140,4 @@ TEST_F(ApplicationTest, KeepsTextHandlesAndTheDirectoryOfBringUp) {
   EXPECT_EQ(app.GetWorkingDirectory(), directory);
   EXPECT_STREQ(directory, startDirectory);
   fmgSetCurrentDirectory(startDirectory);
-
-  EXPECT_EQ(gAPP->GetWindowHandle(), nullptr);
-  EXPECT_EQ(gAPP->GetInstanceHandle(), nullptr);
-  int instance;
-  gInstanceHandle = &instance;
-  ApplicationTakeHandles();
-  EXPECT_EQ(gAPP->GetWindowHandle(), &mainWindow);
-  EXPECT_EQ(gAPP->GetInstanceHandle(), &instance);
-  gInstanceHandle = nullptr;
 }

@@ -64,10 +64,8 @@ TEST_F(ClockTest, TickWaitsForTheFramePeriodAndStoresTheRates) {
       {3, 7, 7, 0.007f, static_cast<float>(1.0 / (7 * 0.001))},  // the first reading past
   };
   for (const Case& c : cases) {
+    clock.SetPeriod(c.period);  // doesn't touch the timer's period
     int readsBefore = timer.reads;
-    clock.SetPeriod(c.period);  // neither reads the time nor touches the timer's period
-    clock.GetElapsed();
-    EXPECT_EQ(timer.reads, readsBefore);
     timer.step = c.step;
     timer.now = 1000 + clock.GetElapsed();  // the counter stands where the last tick read it
     std::uint32_t before = clock.GetElapsed();
@@ -76,7 +74,6 @@ TEST_F(ClockTest, TickWaitsForTheFramePeriodAndStoresTheRates) {
     EXPECT_EQ(clock.GetElapsed(), before + c.interval);
     EXPECT_EQ(clock.GetIntervalSeconds(), c.seconds) << c.period;
     EXPECT_EQ(clock.GetFrameRate(), c.rate) << c.period;
-    EXPECT_EQ(clock.GetElapsedSeconds(), static_cast<float>(clock.GetElapsed() * 0.001));
     if (c.period == 0) {
       EXPECT_EQ(timer.reads, readsBefore + 1);
     }
@@ -100,14 +97,13 @@ TEST_F(ClockTest, LosesOneMillisecondWhenTheCounterWraps) {
 
 TEST_F(ClockTest, DelayCountsFromTheLastTickAndResetStartsAgain) {
   clock.Init();
-  timer.step = 1;
-  int reads = timer.reads;
-  clock.Delay(0);
-  EXPECT_EQ(timer.reads, reads + 1);
-  timer.now += 20;  // 20 ms after the tick
-  reads = timer.reads;
-  clock.Delay(5);
-  EXPECT_EQ(timer.reads, reads + 1);
+  for (std::uint32_t wait : {0u, 5u}) {  // 0, or less than has passed since the tick: at once
+    timer.now += 20;
+    int reads = timer.reads;
+    clock.Delay(wait);
+    EXPECT_EQ(timer.reads, reads + 1) << wait;
+  }
+  timer.now = 1000 + 1 + 20;  // 20 ms after the tick
   std::uint32_t elapsed = clock.GetElapsed();
   clock.Delay(30);  // waits for the rest of the 30 ms, changes no field
   EXPECT_EQ(timer.now - 1, 1000u + 1 + 30);  // the last reading
@@ -146,13 +142,4 @@ TEST_F(ClockTest, BringUpRefusesAMissingOrCoarseTimer) {
     expected.push_back("end " + std::to_string(c.period));  // also after a failed start
     EXPECT_EQ(timer.calls, expected) << c.trace;
   }
-}
-
-TEST(ClockOnTheHost, TicksNoSoonerThanTheFramePeriod) {
-  Clock clock;
-  clock.Init();
-  clock.SetPeriod(10);
-  clock.Tick();
-  EXPECT_GE(clock.GetInterval(), 10u);
-  clock.Stop();
 }

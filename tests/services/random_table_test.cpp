@@ -29,24 +29,22 @@ TEST(RandomTable, RangesStayBelowTheirBounds) {
   RandomTable table;
   table.SetSeed(12345);
   table.values[7] = 32767.0f / 32768.0f;  // the largest value the generator can give
+  auto at = [&](int index) -> RandomTable& {  // the table about to draw at `index`
+    table.drawIndex = index;
+    return table;
+  };
   for (int i = 0; i < 2 * RandomTable::kSize; i++) {
     float value = table.values[i % RandomTable::kSize];
     ASSERT_GE(value, 0.0f);
     ASSERT_LT(value, 1.0f);
-    table.drawIndex = i;
-    EXPECT_EQ(table.NextInt(1), 0);
-    table.drawIndex = i;
-    EXPECT_EQ(table.NextInt(0), 0);
-    table.drawIndex = i;
-    EXPECT_LE(table.NextShort(), 32766);
-    table.drawIndex = i;
-    int n = table.NextInt(-100);
+    EXPECT_EQ(at(i).NextInt(1), 0);
+    EXPECT_EQ(at(i).NextInt(0), 0);
+    EXPECT_LE(at(i).NextShort(), 32766);
+    int n = at(i).NextInt(-100);
     EXPECT_TRUE(n <= 0 && n > -100);
   }
-  table.drawIndex = 7;
-  EXPECT_EQ(table.NextShort(), 32766);
-  table.drawIndex = 7;
-  EXPECT_EQ(table.NextInt(32768), 32767);
+  EXPECT_EQ(at(7).NextShort(), 32766);
+  EXPECT_EQ(at(7).NextInt(32768), 32767);
 }
 
 TEST(HostRandom, CoversExactlyZeroTo32767) {

@@ -13,18 +13,6 @@ struct ProgramOutcome {
   std::string out, err;
 };
 
-// Runs `binary` with `arguments` (already quoted for the shell) in `directory`, after `shell`
-// in the same shell (a ulimit, say); the output is caught in files of `scratch`.
-inline ProgramOutcome runProgram(const char* binary, const std::string& directory,
-                                 const std::string& arguments, const TempDir& scratch,
-                                 const std::string& shell = "") {
-  std::string command = "cd '" + directory + "' && " + shell + binary + " " + arguments + " >'" +
-                        scratch.file("out") + "' 2>'" + scratch.file("err") + "'";
-  int raw = std::system(command.c_str());
-  return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, readWholeFile(scratch.file("out")),
-          readWholeFile(scratch.file("err"))};
-}
-
 // One run and what it must give.
 struct ProgramCase {
   std::string arguments;
@@ -32,14 +20,35 @@ struct ProgramCase {
   std::string message;  // at the start of the output, or anywhere in the errors
 };
 
-// Runs every case in `directory`, in order, and checks its status and message.
-template <std::size_t N>
-void expectRuns(const char* binary, const std::string& directory, const ProgramCase (&cases)[N],
-                const TempDir& scratch) {
-  for (const ProgramCase& c : cases) {
-    ProgramOutcome run = runProgram(binary, directory, c.arguments, scratch);
-    EXPECT_EQ(run.status, c.status) << c.arguments;
-    EXPECT_TRUE(run.out.rfind(c.message, 0) == 0 || run.err.find(c.message) != std::string::npos)
-        << c.arguments << ": " << run.out << run.err;
+// Runs `binary` as a user would, in the directory of the user's files, with its output caught.
+class ProgramTest : public ::testing::Test {
+ protected:
+  explicit ProgramTest(const char* binary) : binary_(binary) {}
+  // Runs with `arguments` (already quoted for the shell) in `directory` (the work directory if
+  // empty), after `shell` in the same shell (a ulimit, say).
+  ProgramOutcome Run(const std::string& arguments, const std::string& directory = "",
+                     const std::string& shell = "") {
+    std::string command = "cd '" + (directory.empty() ? work.path() : directory) + "' && " +
+                          shell + binary_ + " " + arguments + " >'" + scratch.file("out") +
+                          "' 2>'" + scratch.file("err") + "'";
+    int raw = std::system(command.c_str());
+    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, readWholeFile(scratch.file("out")),
+            readWholeFile(scratch.file("err"))};
   }
-}
+  // Runs every case in the work directory, in order, and checks its status and message.
+  template <std::size_t N>
+  void ExpectRuns(const ProgramCase (&cases)[N]) {
+    for (const ProgramCase& c : cases) {
+      ProgramOutcome run = Run(c.arguments);
+      EXPECT_EQ(run.status, c.status) << c.arguments;
+      EXPECT_TRUE(run.out.rfind(c.message, 0) == 0 || run.err.find(c.message) != std::string::npos)
+          << c.arguments << ": " << run.out << run.err;
+    }
+  }
+
+  TempDir work;     // the user's files, and where the user's shell stands
+  TempDir scratch;  // the captured output, and a directory elsewhere
+
+ private:
+  const char* binary_;
+};
