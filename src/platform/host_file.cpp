@@ -175,18 +175,6 @@ std::int32_t hostFileCopyMode(const char* from, const char* to) {
   return chmod(hostTo.text(), status.st_mode & 07777) == 0 ? 0 : -1;
 }
 
-std::int32_t hostFileSyncPath(const char* path) {
-  HostPath hostPath(path);
-  if (!hostPath.valid()) return -1;
-  int descriptor = open(hostPath.text(), openFlagsOf(O_RDONLY));
-  if (descriptor < 0) return -1;
-  int synced = fsync(descriptor);
-  int saved = errno;
-  close(descriptor);
-  errno = saved;
-  return synced == 0 ? 0 : -1;
-}
-
 HostPathKind hostPathKindOf(const char* path) {
   HostPath hostPath(path);
   struct stat status;

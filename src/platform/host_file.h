@@ -51,8 +51,6 @@ extern const char kHostNoFileDirectory[];
 
 // Gives `to` the permissions of `from`. 0 done, -1 not.
 std::int32_t hostFileCopyMode(const char* from, const char* to);
-// Flushes the file's contents to the storage device. 0 done, -1 not.
-std::int32_t hostFileSyncPath(const char* path);
 
 // What a name stands for, links followed.
 enum class HostPathKind { kMissing, kFile, kDirectory, kDevice, kOther };

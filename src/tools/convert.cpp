@@ -125,14 +125,16 @@ bool sourceName(const char* argument, char* name, std::FILE* err) {
 }
 
 // Scans and checks the source; reports what the load loses (errors, or warnings with
-// `allowLoss`) and changes (warnings). False when guns would be lost and that isn't allowed.
-bool reportLoad(const char* name, bool allowLoss, GunTextScan* scan, int* guns, std::FILE* err) {
-  ScanGunText(name, ShownPath(name).c_str(), scan);
-  *guns = CheckGunText(scan);
-  bool losing = CountFindings(*scan, FindingKind::kLoss) > 0;
-  PrintFindings(*scan, FindingKind::kLoss,
+// `allowLoss`) and changes (warnings). False when guns would be lost and that isn't allowed. The
+// scan is gone when this returns, so that the load and the save have its memory.
+bool reportLoad(const char* name, bool allowLoss, int* guns, std::FILE* err) {
+  GunTextScan scan;
+  ScanGunText(name, ShownPath(name).c_str(), &scan);
+  *guns = CheckGunText(&scan);
+  bool losing = CountFindings(scan, FindingKind::kLoss) > 0;
+  PrintFindings(scan, FindingKind::kLoss,
                 allowLoss ? "tessarine-convert: warning: " : "tessarine-convert: ", err);
-  PrintFindings(*scan, FindingKind::kChange, "tessarine-convert: warning: ", err);
+  PrintFindings(scan, FindingKind::kChange, "tessarine-convert: warning: ", err);
   if (losing && !allowLoss) {
     PrintLossRefused(err);
     return false;
@@ -147,9 +149,8 @@ int convert(const Command& command, std::FILE* err) {
       !targetNames(command.files[1], textName, err)) {
     return kFailed;
   }
-  GunTextScan scan;
   int guns = 0;
-  if (!reportLoad(source, command.allowLoss, &scan, &guns, err)) return kFailed;
+  if (!reportLoad(source, command.allowLoss, &guns, err)) return kFailed;
   ConsoleListView view(nullptr);
   GunFileLoad(&view, source);
   int status = kOk;

@@ -3,6 +3,7 @@
 #include "tools/gun_check.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <charconv>
 #include <cstdint>
@@ -21,7 +22,7 @@ bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 // The length of the number the load reads at the start of `text` (leading blanks included), or
 // 0 when there is none: an optional sign, digits with an optional point (one digit at least),
 // an optional exponent with digits.
-std::size_t numberLength(const std::string& text) {
+std::size_t numberLength(std::string_view text) {
   std::size_t i = 0;
   while (i < text.size() && isBlank(text[i])) i++;
   if (i < text.size() && (text[i] == '+' || text[i] == '-')) i++;
@@ -42,48 +43,102 @@ std::size_t numberLength(const std::string& text) {
   return i;
 }
 
+// The number the load reads from `text`, which needn't end with a terminator.
+double parseNumber(std::string_view text) {
+  char copy[64];
+  if (text.size() < sizeof copy) {
+    std::memcpy(copy, text.data(), text.size());
+    copy[text.size()] = '\0';
+    return numParseDouble(copy);
+  }
+  return numParseDouble(std::string(text).c_str());
+}
+
+// The sign and the whole part of a decimal of the plain form [-]digits.digits, with at most nine
+// digits before the point and six behind it.
+struct PlainDecimal {
+  bool negative;
+  long whole;
+  long millionths;
+};
+
+// True and *out when `text` is a plain decimal of that form. The float read from one always
+// reads back from its six-decimal text: below 16 a float lies within half a millionth of the
+// decimal it was read from, so its six-decimal text is that decimal; from 16 on, floats are
+// further than a millionth apart, so the six-decimal text, within half a millionth of the
+// float, reads back as the same float.
+bool readPlainDecimal(std::string_view text, PlainDecimal* out) {
+  std::size_t i = !text.empty() && text[0] == '-' ? 1 : 0;
+  std::size_t start = i;
+  long whole = 0;
+  for (; i < text.size() && isDigit(text[i]); i++) whole = whole * 10 + (text[i] - '0');
+  std::size_t point = i;
+  if (point == start || point - start > 9 || point == text.size() || text[point] != '.' ||
+      text.size() - point > 7) {
+    return false;
+  }
+  long millionths = 0;
+  for (i = point + 1; i < text.size(); i++) {
+    if (!isDigit(text[i])) return false;
+    millionths = millionths * 10 + (text[i] - '0');
+  }
+  for (std::size_t decimals = text.size() - point - 1; decimals < 6; decimals++) millionths *= 10;
+  *out = {start == 1, whole, millionths};
+  return true;
+}
+
 std::string shortest(float value) {
   char text[64];
   auto end = std::to_chars(text, text + sizeof text, value).ptr;
   return std::string(text, end);
 }
 
-std::string writtenText(float value) {
+// "" when the six-decimal text of `value` reads back as the same float; else why not. `source`
+// is the text `value` was read from, if any: when the six-decimal text is that very text, it
+// reads back as `value` without a second reading.
+std::string textRoundTrip(float value, std::string_view source = {}) {
   char text[400];
-  numFormatFixed(text, sizeof text, static_cast<double>(value), 6);
-  return text;
-}
-
-// "" when the six-decimal text of `value` reads back as the same float; else why not.
-std::string textRoundTrip(float value) {
-  std::string text = writtenText(value);
-  auto back = static_cast<float>(numParseDouble(text.c_str()));
+  std::size_t length = numFormatFixed(text, sizeof text, static_cast<double>(value), 6);
+  if (!source.empty() && source == std::string_view(text, length)) return "";
+  auto back = static_cast<float>(numParseDouble(text));
   if (std::bit_cast<std::uint32_t>(back) == std::bit_cast<std::uint32_t>(value)) return "";
   return "the .dat gets " + shortest(value) + " but the text file is written " + text +
          ", which reads back as " + shortest(back);
 }
 
-// The value the load takes from a number's text, with any change said; "" when none.
-std::string numberChange(const std::string& what, const std::string& text) {
+// The value the load takes from a number's text, with any change said; "" when none. `what`
+// names the value.
+std::string numberChange(const std::string& what, std::string_view text) {
+  std::string shown(text);
   if (text.empty()) return what + " has no value: reads as 0";
   std::size_t length = numberLength(text);
-  if (length == 0) return what + " \"" + text + "\" is not a number: reads as 0";
+  if (length == 0) return what + " \"" + shown + "\" is not a number: reads as 0";
   if (length < text.size()) {
-    return what + " \"" + text + "\" has text behind the number: reads as " +
-           text.substr(0, length);
+    return what + " \"" + shown + "\" has text behind the number: reads as " +
+           shown.substr(0, length);
   }
   return "";
 }
 
-std::string boolChange(const std::string& text) {
-  if (strEquals(text.c_str(), "TRUE", 0) || strEquals(text.c_str(), "FALSE", 0)) return "";
-  return "AddLight \"" + text + "\" is neither TRUE nor FALSE: reads as " +
-         (numParseInt(text.c_str()) != 0 ? "TRUE" : "FALSE");
+// numberChange without building the name unless there is something to say.
+void addNumberChange(const char* name, std::string_view text, std::vector<std::string>* out) {
+  std::size_t length = text.empty() ? 0 : numberLength(text);
+  if (length != 0 && length == text.size()) return;
+  out->push_back(numberChange(name, text));
 }
 
-std::string textChange(const GunKey& key, const std::string& text) {
+std::string boolChange(std::string_view text) {
+  if (SameName(text, "TRUE") || SameName(text, "FALSE")) return "";
+  std::string shown(text);
+  return "AddLight \"" + shown + "\" is neither TRUE nor FALSE: reads as " +
+         (numParseInt(shown.c_str()) != 0 ? "TRUE" : "FALSE");
+}
+
+std::string textChange(const GunKey& key, std::string_view text) {
+  // A text shorter than its field is kept whole.
+  if (text.size() < static_cast<std::size_t>(key.size)) return "";
   std::vector<char> field(static_cast<std::size_t>(key.size));
-  strCopyN(field.data(), text.c_str(), key.size);
+  strCopyN(field.data(), std::string(text).c_str(), key.size);
   std::size_t kept = std::strlen(field.data());
   if (kept == text.size()) return "";
   return std::string(key.name) + " is " + std::to_string(text.size()) + " bytes long; its " +
@@ -91,73 +146,104 @@ std::string textChange(const GunKey& key, const std::string& text) {
          " and loses " + std::to_string(text.size() - kept);
 }
 
+std::string componentName(int index) {
+  return "FireColor component " + std::to_string(index + 1);
+}
+
 // A component as the load takes it: read, then held within 0 to 1.
-void colorComponentChanges(const std::string& part, int index, std::vector<std::string>* out) {
-  std::string what = "FireColor component " + std::to_string(index + 1);
-  std::string change = numberChange(what, TrimBlanks(part));
-  if (!change.empty()) out->push_back(change);
-  double value = numParseDouble(part.c_str());
-  if (value < 0.0 || value > 1.0) {
-    out->push_back(what + " " + TrimBlanks(part) + " lies outside 0 to 1: reads as " +
-                   (value < 0.0 ? "0" : "1"));
+void colorComponentChanges(std::string_view part, int index, std::vector<std::string>* out) {
+  std::string_view trimmed = TrimBlanks(part);
+  // Most components are plain decimals within 0 to 1, which need no reading.
+  PlainDecimal decimal;
+  if (readPlainDecimal(trimmed, &decimal) &&
+      (decimal.whole == 0 || (decimal.whole == 1 && decimal.millionths == 0)) &&
+      (!decimal.negative || (decimal.whole == 0 && decimal.millionths == 0))) {
     return;
   }
-  std::string trip = textRoundTrip(static_cast<float>(value));
-  if (!trip.empty()) out->push_back(what + ": " + trip);
-}
-
-std::vector<std::string> colorChanges(const std::string& text) {
-  std::size_t first = text.find(',');
-  std::size_t second = first == std::string::npos ? first : text.find(',', first + 1);
-  if (second == std::string::npos) {
-    return {"FireColor \"" + text + "\" has fewer than three components: reads as black (0,0,0)"};
+  std::size_t length = trimmed.empty() ? 0 : numberLength(trimmed);
+  if (length == 0 || length < trimmed.size()) {
+    out->push_back(numberChange(componentName(index), trimmed));
   }
-  std::vector<std::string> out;
-  colorComponentChanges(text.substr(0, first), 0, &out);
-  colorComponentChanges(text.substr(first + 1, second - first - 1), 1, &out);
-  colorComponentChanges(text.substr(second + 1), 2, &out);
-  return out;
+  double value = parseNumber(part);
+  if (value < 0.0 || value > 1.0) {
+    out->push_back(componentName(index) + " " + std::string(trimmed) + " lies outside 0 to 1: " +
+                   "reads as " + (value < 0.0 ? "0" : "1"));
+    return;
+  }
+  std::string trip = textRoundTrip(static_cast<float>(value), trimmed);
+  if (!trip.empty()) out->push_back(componentName(index) + ": " + trip);
 }
 
-const GunKey* findKey(const std::string& name) {
-  for (const GunKey& key : kGunKeys) {
-    if (strEquals(name.c_str(), key.name, 0)) return &key;
+void colorChanges(std::string_view text, std::vector<std::string>* out) {
+  std::size_t first = text.find(',');
+  std::size_t second = first == std::string_view::npos ? first : text.find(',', first + 1);
+  if (second == std::string_view::npos) {
+    out->push_back("FireColor \"" + std::string(text) +
+                   "\" has fewer than three components: reads as black (0,0,0)");
+    return;
+  }
+  colorComponentChanges(text.substr(0, first), 0, out);
+  colorComponentChanges(text.substr(first + 1, second - first - 1), 1, out);
+  colorComponentChanges(text.substr(second + 1), 2, out);
+}
+
+// The known key of that name, found by its hash first, and first of all at `*next`, where the
+// key behind the last one found stands; *next then moves behind this one.
+const GunKey* findKey(const ScanKey& key, std::size_t* next) {
+  static const auto hashes = [] {
+    std::array<std::uint32_t, kGunKeyCount> all{};
+    for (std::size_t i = 0; i < all.size(); i++) all[i] = NameHash(kGunKeys[i].name);
+    return all;
+  }();
+  for (std::size_t tried = 0; tried < hashes.size(); tried++) {
+    std::size_t i = (*next + tried) % hashes.size();
+    if (hashes[i] != key.nameHash || !SameName(key.name, kGunKeys[i].name)) continue;
+    *next = i + 1;
+    return &kGunKeys[i];
   }
   return nullptr;
 }
 
-std::vector<std::string> valueChanges(const GunKey& key, const std::string& value) {
+// What the load changes of `value`.
+void valueChanges(const GunKey& key, std::string_view value, std::vector<std::string>* out) {
+  std::string change;
   switch (key.kind) {
-    case GunKeyKind::kText: {
-      std::string change = textChange(key, value);
-      return change.empty() ? std::vector<std::string>{} : std::vector<std::string>{change};
-    }
-    case GunKeyKind::kBool: {
-      std::string change = boolChange(value);
-      return change.empty() ? std::vector<std::string>{} : std::vector<std::string>{change};
-    }
-    case GunKeyKind::kColor:
-      return colorChanges(value);
-    case GunKeyKind::kFloat:
+    case GunKeyKind::kText:
+      change = textChange(key, value);
       break;
+    case GunKeyKind::kBool:
+      change = boolChange(value);
+      break;
+    case GunKeyKind::kColor:
+      colorChanges(value, out);
+      break;
+    case GunKeyKind::kFloat: {
+      addNumberChange(key.name, value, out);
+      PlainDecimal decimal;
+      if (readPlainDecimal(value, &decimal)) break;
+      std::string trip = textRoundTrip(static_cast<float>(parseNumber(value)), value);
+      if (!trip.empty()) {
+        out->push_back(std::string(key.name) + " " + std::string(value) + ": " + trip);
+      }
+      break;
+    }
   }
-  std::vector<std::string> out;
-  std::string change = numberChange(key.name, value);
-  if (!change.empty()) out.push_back(change);
-  std::string trip = textRoundTrip(static_cast<float>(numParseDouble(value.c_str())));
-  if (!trip.empty()) out.push_back(std::string(key.name) + " " + value + ": " + trip);
-  return out;
+  if (!change.empty()) out->push_back(std::move(change));
 }
 
 void checkKeys(GunTextScan* scan, const ScanSection& section) {
+  std::vector<std::string> changes;
+  std::size_t next = 0;
   for (const ScanKey& key : section.keys) {
-    const GunKey* known = findKey(key.name);
+    const GunKey* known = findKey(key, &next);
     if (!known) {
       scan->Add(section.file, key.line, FindingKind::kChange,
-                "unknown key \"" + key.name + "\" is not read; a save drops it");
+                "unknown key \"" + std::string(key.name) + "\" is not read; a save drops it");
       continue;
     }
-    for (std::string& change : valueChanges(*known, key.value)) {
+    changes.clear();
+    valueChanges(*known, key.value, &changes);
+    for (std::string& change : changes) {
       scan->Add(section.file, key.line, FindingKind::kChange, std::move(change));
     }
   }
@@ -209,21 +295,16 @@ void checkUnloadedSection(GunTextScan* scan, const ScanSection& section, int cou
 int CheckGunText(GunTextScan* scan) {
   std::vector<int> numberOf(scan->sections.size(), 0);
   int count = 0;
-  for (bool found = true; found;) {
+  for (long found = 0; found >= 0;) {
     char name[kGunSectionNameSize];
     GunSectionName(name, count + 1);
-    found = false;
-    for (std::size_t i = 0; i < scan->sections.size() && !found; i++) {
-      if (!strEquals(scan->sections[i].name.c_str(), name, 0)) continue;
-      numberOf[i] = ++count;
-      found = true;
-    }
+    found = scan->FindSection(name);
+    if (found >= 0) numberOf[static_cast<std::size_t>(found)] = ++count;
   }
-  // Copies: findings may be added while the sections are walked.
-  const std::vector<ScanSection> sections = scan->sections;
-  for (std::size_t i = 0; i < sections.size(); i++) {
-    if (numberOf[i] == 0) checkUnloadedSection(scan, sections[i], count);
-    else checkKeys(scan, sections[i]);
+  for (std::size_t i = 0; i < scan->sections.size(); i++) {
+    const ScanSection& section = scan->sections[i];
+    if (numberOf[i] == 0) checkUnloadedSection(scan, section, count);
+    else checkKeys(scan, section);
   }
   if (count == 0) {
     scan->Add(0, 0, FindingKind::kLoss,

@@ -1,8 +1,11 @@
 // GunSafeSave: the editor's Save of the gun list, checked, replacing the target only when whole.
 #include "tools/gun_safe_save.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include "base/path_util.h"
@@ -26,14 +29,25 @@ struct SaveNames {
   char tempBinary[kLongSize];
 };
 
+// The whole file, read straight into `bytes` (whatever it held before is replaced); false if it
+// can't be opened or read.
 bool readAll(const char* path, std::string* bytes) {
   std::int32_t descriptor = hostFileOpenRead(path, HostAccess::kSequential);
   if (descriptor == -1) return false;
-  char chunk[65536];
-  std::int32_t got;
-  while ((got = hostFileRead(descriptor, chunk, sizeof chunk)) > 0) {
-    bytes->append(chunk, static_cast<std::size_t>(got));
+  // Room for the size the file has, and one byte more, so that its end is read without growing.
+  std::int64_t size = 0;
+  if (hostFileStat(descriptor, &size) == 1 && size > 0) {
+    bytes->resize(static_cast<std::size_t>(size) + 1);
   }
+  std::size_t used = 0;
+  std::int32_t got;
+  do {
+    if (used == bytes->size()) bytes->resize(std::max<std::size_t>(2 * used, 65536));
+    auto room = static_cast<std::uint32_t>(std::min<std::size_t>(bytes->size() - used, 1u << 30));
+    got = hostFileRead(descriptor, bytes->data() + used, room);
+    if (got > 0) used += static_cast<std::size_t>(got);
+  } while (got > 0);
+  bytes->resize(used);
   hostFileClose(descriptor);
   return got == 0;
 }
@@ -57,12 +71,12 @@ bool binaryMatchesList(const std::string& bytes) {
 
 // The number of the first gun whose section lacks a key, or is missing or cut; 0 when every gun
 // has its section with all its keys, each section behind a blank line, and nothing follows.
-int firstIncompleteGun(const std::string& text, int count) {
+int firstIncompleteGun(std::string_view text, int count) {
   std::size_t at = 0;
-  std::string line;
+  std::string_view line;
   auto next = [&]() {
     std::size_t end = text.find('\n', at);
-    if (end == std::string::npos) return false;
+    if (end == std::string_view::npos) return false;
     line = text.substr(at, end - at);
     at = end + 1;
     return true;
@@ -70,9 +84,14 @@ int firstIncompleteGun(const std::string& text, int count) {
   for (int number = 1; number <= count; number++) {
     char section[kGunSectionNameSize];
     GunSectionName(section, number);
-    if (!next() || line != "[" + std::string(section) + "]") return number;
+    std::string_view name(section);
+    if (!next() || line.size() != name.size() + 2 || line.front() != '[' ||
+        line.substr(1, name.size()) != name || line.back() != ']') {
+      return number;
+    }
     for (const GunKey& key : kGunKeys) {
-      if (!next() || line.compare(0, std::strlen(key.name) + 1, std::string(key.name) + "=") != 0) {
+      std::size_t length = std::strlen(key.name);
+      if (!next() || !line.starts_with(key.name) || line.size() <= length || line[length] != '=') {
         return number;
       }
     }
@@ -107,12 +126,12 @@ bool makeNames(const char* textName, SaveNames* names, std::FILE* err) {
 // Both temporary files as the list asks; false with a message (naming the file) when not.
 bool checkWritten(const SaveNames& names, const char* saveError, bool allowLoss,
                   std::FILE* err) {
-  std::string binary;
-  if (!readAll(names.tempBinary, &binary) || !binaryMatchesList(binary)) {
+  // One buffer for both files, one after the other.
+  std::string text;
+  if (!readAll(names.tempBinary, &text) || !binaryMatchesList(text)) {
     failed(names.text, "writing", names.tempBinary, saveError, err);
     return false;
   }
-  std::string text;
   if (!readAll(names.tempText, &text)) {
     failed(names.text, "writing", names.tempText, *saveError ? saveError : hostLastErrorText(), err);
     return false;
@@ -140,13 +159,9 @@ bool checkWritten(const SaveNames& names, const char* saveError, bool allowLoss,
   return true;
 }
 
-bool flushAndRename(const SaveNames& names, std::FILE* err) {
-  for (const char* name : {names.tempBinary, names.tempText}) {
-    if (hostFileSyncPath(name) != 0) {
-      failed(names.text, "flushing", name, hostLastErrorText(), err);
-      return false;
-    }
-  }
+// Complete files are renamed into place without waiting for the device: the rename is what
+// keeps a failed run from touching the earlier files.
+bool renameIntoPlace(const SaveNames& names, std::FILE* err) {
   // A replaced file keeps its permissions; a new one gets the usual ones.
   for (auto [temporary, replaced] : {std::pair{names.tempBinary, names.binary},
                                   std::pair{names.tempText, names.text}}) {
@@ -176,7 +191,7 @@ int GunSafeSave(GunListView* view, const char* textName, bool allowLoss, std::FI
   if (!created) {
     failed(textName, "creating", names.tempBinary, saveError.c_str(), err);
   } else {
-    saved = checkWritten(names, saveError.c_str(), allowLoss, err) && flushAndRename(names, err);
+    saved = checkWritten(names, saveError.c_str(), allowLoss, err) && renameIntoPlace(names, err);
   }
   if (!saved) {
     hostFileRemove(names.tempBinary);

@@ -7,7 +7,6 @@
 #include <cstring>
 #include <deque>
 
-#include "base/string_util.h"
 #include "files/file_manager.h"
 #include "tools/tool_files.h"
 
@@ -17,55 +16,79 @@ constexpr long kArenaBytes = kGunTextLimit + 1;
 
 bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
-// Names compare as the load compares them; an empty name equals nothing.
-bool sameName(const std::string& a, const std::string& b) {
-  return !a.empty() && strEquals(a.c_str(), b.c_str(), 0);
-}
+char lowerByte(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; }
 
 // A name without the ".\" the system puts ahead of a bare name, so that both spellings compare.
-std::string withoutDot(const std::string& name) {
-  return name.compare(0, 2, ".\\") == 0 ? name.substr(2) : name;
+std::string withoutDot(std::string_view name) {
+  return std::string(name.compare(0, 2, ".\\") == 0 ? name.substr(2) : name);
 }
 
 std::string quoted(const std::string& text) { return "\"" + text + "\""; }
 
-// The whole file through the file manager, as the load reads it; false if it can't be opened.
+// The whole file through the file manager, as the load reads it, straight into `bytes`; false
+// if it can't be opened.
 bool readWhole(const char* name, std::string* bytes) {
   std::int32_t handle = gFMG->OpenFile(name);
   if (handle == -1) return false;
-  char chunk[65536];
-  for (std::int32_t got; (got = gFMG->ReadFile(handle, chunk, sizeof chunk)) > 0;) {
-    bytes->append(chunk, static_cast<std::size_t>(got));
+  std::size_t used = 0;
+  for (std::int32_t got = 1; got > 0; used += static_cast<std::size_t>(got)) {
+    if (used == bytes->size()) bytes->resize(std::max<std::size_t>(2 * used, 65536));
+    auto room = static_cast<std::uint32_t>(std::min<std::size_t>(bytes->size() - used, 1u << 30));
+    got = std::max<std::int32_t>(gFMG->ReadFile(handle, bytes->data() + used, room), 0);
   }
+  bytes->resize(used);
   gFMG->CloseFile(handle);
   return true;
 }
 
 // One line of the text as the load sees it, with the line number a text editor shows.
 struct Line {
-  std::string text;
+  std::string_view text;
   int number;
 };
 
 // Cuts the first `length` bytes of `bytes` as the load does: every CR and LF ends a line up to
 // the first zero byte, which ends one too, and behind it only zero bytes do. Numbers count a
-// CR LF pair as one line end.
-std::vector<Line> cutLines(const std::string& bytes, std::size_t length) {
-  std::vector<Line> lines;
-  bool zeroSeen = false;
-  int number = 1;
-  std::size_t start = 0;
-  for (std::size_t i = 0; i <= length; i++) {
-    char c = i < length ? bytes[i] : '\0';
-    bool ends = i == length || c == '\0' || (!zeroSeen && (c == '\r' || c == '\n'));
-    if (!ends) continue;
-    lines.push_back({bytes.substr(start, i - start), number});
-    start = i + 1;
-    if (c == '\0') zeroSeen = true;
-    if (c == '\n' || (c == '\r' && !(i + 1 < length && bytes[i + 1] == '\n'))) number++;
+// CR LF pair as one line end. Lines point into `bytes`.
+class LineCutter {
+ public:
+  LineCutter(std::string_view bytes, std::size_t length) : bytes_(bytes), length_(length) {}
+
+  // The next line into *line; false when every line has been given.
+  bool Next(Line* line) {
+    if (done_) return false;
+    std::size_t i = start_;
+    char c = '\0';
+    // Eight bytes at a time while none of them is a line end or a zero byte (none below 14).
+    constexpr std::uint64_t kOnes = 0x0101010101010101u;
+    for (std::uint64_t word; i + 8 <= length_; i += 8) {
+      std::memcpy(&word, bytes_.data() + i, 8);
+      if (((word - 14 * kOnes) & ~word & 0x80 * kOnes) != 0) break;
+    }
+    for (; i < length_; i++) {
+      c = bytes_[i];
+      if (static_cast<unsigned char>(c) > '\r') continue;
+      if (c == '\0' || (!zeroSeen_ && (c == '\r' || c == '\n'))) break;
+    }
+    if (i == length_) {
+      c = '\0';
+      done_ = true;
+    }
+    *line = {bytes_.substr(start_, i - start_), number_};
+    start_ = i + 1;
+    if (c == '\0') zeroSeen_ = true;
+    if (c == '\n' || (c == '\r' && !(i + 1 < length_ && bytes_[i + 1] == '\n'))) number_++;
+    return true;
   }
-  return lines;
-}
+
+ private:
+  std::string_view bytes_;
+  std::size_t length_;
+  std::size_t start_ = 0;
+  int number_ = 1;
+  bool zeroSeen_ = false;
+  bool done_ = false;
+};
 
 // The line number of byte `offset`.
 int lineAt(const std::string& bytes, std::size_t offset) {
@@ -149,8 +172,10 @@ class Scanner {
                  "it");
       return true;
     }
+    // The keys point into the bytes, which the scan keeps from here on.
+    const std::string& kept = scan_->texts.emplace_back(std::move(bytes));
     std::vector<Include> includes;
-    ReadLines(file, cutLines(bytes, length), self, include.inCycle, &includes);
+    ReadLines(file, LineCutter(kept, length), self, include.inCycle, &includes);
     pending_.insert(pending_.begin(), includes.begin(), includes.end());
     return true;
   }
@@ -159,10 +184,11 @@ class Scanner {
     int line = lineAt(bytes, length);
     std::string cutSection;
     std::vector<std::string> lost;
-    for (const Line& each : cutLines(bytes, bytes.size())) {
+    LineCutter lines(bytes, bytes.size());
+    for (Line each; lines.Next(&each);) {
       if (each.text.empty() || each.text[0] != '[') continue;
       if (each.number < line) cutSection = each.text;
-      else lost.push_back(each.text);
+      else lost.emplace_back(each.text);
     }
     std::string text = "the load stops here, at the " + std::to_string(kGunTextLimit) +
                        "-byte text limit (the file has " + std::to_string(bytes.size()) +
@@ -176,13 +202,13 @@ class Scanner {
     scan_->Add(file, line, FindingKind::kLoss, text);
   }
 
-  void ReadLines(std::size_t file, const std::vector<Line>& lines, int self, bool inCycle,
+  void ReadLines(std::size_t file, LineCutter lines, int self, bool inCycle,
                  std::vector<Include>* includes) {
     ScanSection* section = nullptr;  // the section whose key list is being read
     bool skipping = false;           // in the key lines of a dropped duplicate section
     int enderLine = 0;               // the last # line that ended a key list
-    for (const Line& line : lines) {
-      const std::string& text = line.text;
+    for (Line line; lines.Next(&line);) {
+      std::string_view text = line.text;
       char first = text.empty() ? '\0' : text[0];
       if (first == '[') {
         section = Header(file, line, &skipping);
@@ -195,7 +221,7 @@ class Scanner {
         continue;
       } else if (section) {
         Key(section, line);
-      } else if (text.find('=') != std::string::npos) {
+      } else if (text.find('=') != std::string_view::npos) {
         scan_->Add(file, line.number, FindingKind::kChange,
                    "key line outside any section's key list is ignored" +
                        (enderLine ? " (the # line at line " + std::to_string(enderLine) +
@@ -206,38 +232,46 @@ class Scanner {
   }
 
   ScanSection* Header(std::size_t file, const Line& line, bool* skipping) {
-    std::string name = line.text.substr(1);
+    std::string name(line.text.substr(1));
     if (!name.empty() && name.back() == ']') name.pop_back();
     *skipping = false;
-    for (const ScanSection& earlier : scan_->sections) {
-      if (!sameName(name, earlier.name)) continue;
-      *skipping = true;
-      // The same line read again, in a cycle of includes, repeats nothing the user wrote twice.
-      if (earlier.file == file && earlier.line == line.number) return nullptr;
-      scan_->Add(file, line.number, FindingKind::kChange,
-                 "section [" + name + "] repeats the one at " + scan_->files[earlier.file] + ":" +
-                     std::to_string(earlier.line) + ", which counts; this one and its keys are "
-                     "ignored");
-      return nullptr;
+    std::size_t index = scan_->sections.size();
+    if (!name.empty()) {
+      auto [entry, added] = scan_->sectionIndex.try_emplace(LowerName(name), index);
+      if (!added) {
+        const ScanSection& earlier = scan_->sections[entry->second];
+        *skipping = true;
+        // The same line read again, in a cycle of includes, repeats nothing the user wrote twice.
+        if (earlier.file == file && earlier.line == line.number) return nullptr;
+        scan_->Add(file, line.number, FindingKind::kChange,
+                   "section [" + name + "] repeats the one at " + scan_->files[earlier.file] +
+                       ":" + std::to_string(earlier.line) + ", which counts; this one and its "
+                       "keys are ignored");
+        return nullptr;
+      }
     }
-    scan_->sections.push_back({name, file, line.number, {}});
+    scan_->sections.push_back({std::move(name), file, line.number, {}, 0});
     return &scan_->sections.back();
   }
 
   void Key(ScanSection* section, const Line& line) {
     std::size_t equals = line.text.find('=');
-    if (equals == std::string::npos) {
+    if (equals == std::string_view::npos) {
       scan_->Add(section->file, line.number, FindingKind::kChange,
                  "line without \"=\" in section [" + section->name + "] is ignored");
       return;
     }
-    ScanKey key{TrimBlanks(line.text.substr(0, equals)), TrimBlanks(line.text.substr(equals + 1)),
-                line.number};
-    for (const ScanKey& earlier : section->keys) {
-      if (!sameName(key.name, earlier.name)) continue;
+    std::string_view name = TrimBlanks(line.text.substr(0, equals));
+    ScanKey key{name, TrimBlanks(line.text.substr(equals + 1)), line.number, NameHash(name)};
+    std::uint64_t hashBit = std::uint64_t{1} << (key.nameHash % 64);
+    bool seenBefore = (section->keyHashBits & hashBit) != 0;
+    section->keyHashBits |= hashBit;
+    for (std::size_t i = 0; seenBefore && i < section->keys.size(); i++) {
+      const ScanKey& earlier = section->keys[i];
+      if (earlier.nameHash != key.nameHash || !SameName(key.name, earlier.name)) continue;
       scan_->Add(section->file, line.number, FindingKind::kChange,
-                 "key " + key.name + " repeats the one at line " + std::to_string(earlier.line) +
-                     ", which counts; this one is ignored");
+                 "key " + std::string(key.name) + " repeats the one at line " +
+                     std::to_string(earlier.line) + ", which counts; this one is ignored");
       return;
     }
     section->keys.push_back(key);
@@ -245,16 +279,16 @@ class Scanner {
 
   void Directive(std::size_t file, const Line& line, int self, bool inCycle,
                  std::vector<Include>* includes) {
-    std::string word = line.text.substr(1);
+    std::string word(line.text.substr(1));
     std::size_t blank = word.find(' ');
     if (blank == std::string::npos) {
-      if (word.size() >= 7 && strEquals(word.substr(0, 7).c_str(), "include", 0)) {
+      if (word.size() >= 7 && SameName(std::string_view(word).substr(0, 7), "include")) {
         scan_->Add(file, line.number, FindingKind::kChange,
                    "#include line without a blank behind the word is ignored");
       }
       return;
     }
-    if (!strEquals(word.substr(0, blank).c_str(), "include", 0)) return;
+    if (!SameName(std::string_view(word).substr(0, blank), "include")) return;
     std::string name = word.substr(blank + 1);
     if (!name.empty() && name[0] == '"') {
       name = name.substr(1, name.find('"', 1) == std::string::npos ? std::string::npos
@@ -287,12 +321,39 @@ class Scanner {
 
 }  // namespace
 
-std::string TrimBlanks(const std::string& text) {
+std::string_view TrimBlanks(std::string_view text) {
   std::size_t begin = 0;
   std::size_t end = text.size();
   while (begin < end && isBlank(text[begin])) begin++;
   while (end > begin && isBlank(text[end - 1])) end--;
   return text.substr(begin, end - begin);
+}
+
+bool SameName(std::string_view a, std::string_view b) {
+  if (a.empty() || a.size() != b.size()) return false;
+  for (std::size_t i = 0; i < a.size(); i++) {
+    if (a[i] != b[i] && lowerByte(a[i]) != lowerByte(b[i])) return false;
+  }
+  return true;
+}
+
+std::uint32_t NameHash(std::string_view name) {
+  // FNV-1a of the bytes with bit 5 set: a letter's two cases give the same hash, and names that
+  // differ elsewhere only in that bit share one, which SameName then tells apart.
+  std::uint32_t hash = 2166136261u;
+  for (char c : name) hash = (hash ^ (static_cast<unsigned char>(c) | 0x20u)) * 16777619u;
+  return hash;
+}
+
+std::string LowerName(std::string_view name) {
+  std::string lower(name);
+  for (char& c : lower) c = lowerByte(c);
+  return lower;
+}
+
+long GunTextScan::FindSection(std::string_view name) const {
+  auto found = sectionIndex.find(LowerName(name));
+  return found == sectionIndex.end() ? -1 : static_cast<long>(found->second);
 }
 
 void GunTextScan::Add(std::size_t file, int line, FindingKind kind, std::string text) {
