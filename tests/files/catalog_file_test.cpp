@@ -62,11 +62,15 @@ TEST_F(CatalogFileTest, MalformedCatalogsLoadOrFailAsDocumented) {
   const std::string dat = catalogField(4, "DAT" + kNul), oneFile = catalogHeader("CAT", 1, 1, 0);
   auto entry = [](std::int32_t n, const std::string& s) { return le32(0) + catalogField(n, s); };
   const std::string name259 = std::string(254, 'N') + ".DAT";
+  RawCatalog nine;
+  for (char digit = '1'; digit <= '9'; digit++) nine.Add(std::string(1, digit) + ".A", "");
+  const std::string nineFiles = nine.Bytes();
   struct Row {
     const char* name;
     std::string bytes;
     std::string message;    // the failure's one trace; empty: loads without a trace
-    std::string find = "";  // once loaded, found with the extension DAT
+    std::string find = "";  // once loaded, found with `extension`
+    std::string extension = "DAT";
   } rows[] = {
       {"27 bytes", oneFile.substr(0, 27), "Error reading CatalogHeader for %P!"},
       {"bad magic", catalogHeader("CATX", 0, 0, 0), "%P is not a catalog file!"},
@@ -82,6 +86,9 @@ TEST_F(CatalogFileTest, MalformedCatalogsLoadOrFailAsDocumented) {
       {"file count far beyond the file",
        catalogHeader("CAT", 1000000, 1, 0) + entry(6, "Z.DAT" + kNul),
        "Error while reading catalog %P: unable to read filename 1!"},
+      {"nine files, the table's block made for all", nineFiles, "", "9.A", "A"},
+      {"extension of 259, kept to 255", oneFile + entry(6, "Z.DAT" + kNul) + catalogField(259, std::string(259, 'E')), "", "Z.DAT",
+          std::string(255, 'E')},
       {"extension of 300", catalogHeader("CAT", 0, 1, 0) + catalogField(300, std::string(300, 'e')),
        "Error while reading catalog %P: invalid extension length 300!"},
   };
@@ -90,7 +97,7 @@ TEST_F(CatalogFileTest, MalformedCatalogsLoadOrFailAsDocumented) {
     CatalogFile* catalog = Load(row.bytes);
     EXPECT_EQ(lines_, Traced(row.message)) << row.name;
     EXPECT_EQ(catalog->handle == -1, !row.message.empty()) << row.name;
-    EXPECT_EQ(catalog->FindFile(row.find.c_str(), "DAT"), !row.find.empty()) << row.name;
+    EXPECT_EQ(catalog->FindFile(row.find.c_str(), row.extension.c_str()), !row.find.empty()) << row.name;
     delete catalog;
     EXPECT_EQ(LiveBlocks(), before) << row.name;
   }

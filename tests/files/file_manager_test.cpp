@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -105,11 +106,14 @@ TEST_F(FileManagerTest, CatalogFilesSeekFromTheirEntryAndIgnoreOriginTwo) {
   OpenCatalog("s.cat", writer);
   // Positions are those of the catalog file.
   const auto start = static_cast<std::int32_t>(writer.Bytes().find("0123456789"));
-  std::int32_t handle = gFMG->OpenFile("s.bin");
+  std::int32_t handle = gFMG->OpenFile("s.bin"), pad = gFMG->OpenFile("pad.bin");
   char buffer[16];
   EXPECT_EQ(gFMG->SeekFile(handle, 4, 0), start + 4);
   EXPECT_EQ(gFMG->ReadFile(handle, buffer, 2), 2);
+  EXPECT_EQ(gFMG->ReadFile(pad, buffer, 1), 1);
   EXPECT_EQ(gFMG->SeekFile(handle, -3, 1), start + 3);
+  EXPECT_EQ(gFMG->ReadFile(pad, buffer, 3), 3);
+  EXPECT_EQ(std::string(buffer, 3), "ppp") << "after a seek of another file, PAD.BIN seeks back";
   EXPECT_EQ(gFMG->SeekFile(handle, 5, 2), start + 3) << "origin 2 stays where it is";
   EXPECT_EQ(gFMG->SeekFile(handle, -4, 1), -1) << "before the entry: refused, nothing moves";
   EXPECT_EQ(readToEnd(handle), "3456789");
@@ -121,6 +125,7 @@ TEST_F(FileManagerTest, CatalogFilesSeekFromTheirEntryAndIgnoreOriginTwo) {
 TEST_F(FileManagerTest, TracesTheDocumentedMessages) {
   writeWholeFile(dir_.file("disk.dat"), "disk");
   writeWholeFile(dir_.file("bad.cat"), "NOT A CATALOG AT ALL, NOT EVEN CLOSE");
+  std::filesystem::create_directory(dir_.file("folder.dat"));
   PackedCatalog().Add("Q.DAT", "q").WriteTo(dir_.file("q.cat"));
   OpenCatalog("p.cat", RawCatalog().Add("P.DAT", "packed").Add("noext", "x"));
   const std::string cwd = systemPath(std::filesystem::current_path()), p = At("p.cat"),
@@ -145,7 +150,7 @@ TEST_F(FileManagerTest, TracesTheDocumentedMessages) {
     std::string trace;  // its lines, each without its "MSG|"
   } rows[] = {
       {"no extension", 0, openFile("noext"), -1, "File noext not found!"},
-      {"no directory", 0, create("no\\such\\x.dat"), -1, "Unable to create file no\\such\\x.dat!"},
+      {"a directory in the way", 0, create("folder.dat"), -1, "Unable to create file folder.dat!"},
       {"other case", 0, open(upper), 1, "Catalog file " + upper + " already opened..."},
       {"one hold left", 0, close(p), 0, "Catalog file " + p + " still in use..."},
       {"missing catalog", 0, open(missing), 0,
@@ -157,6 +162,13 @@ TEST_F(FileManagerTest, TracesTheDocumentedMessages) {
        [&] { return open(q)() + gFMG->OpenFile("q.dat") + close(q)(); }, 2,
        "Catalog file " + q + " opened successfully.\nCatalog file " + q +
            " is still in use! (OpenFileCount = 1)"},
+      {"closed after its file", 0,
+       [&] {
+         int opened = open(q)();
+         gFMG->CloseFile(gFMG->OpenFile("q.dat"));
+         return opened + close(q)();
+       },
+       1, "Catalog file " + q + " opened successfully."},
       // No memory, from here on.
       {"disk record", 1, openFile("disk.dat"), -1, "Unable to allocate memory for file handle!"},
       {"disk node", 2, openFile("disk.dat"), -1, "Unable to add file handle list!"},
@@ -265,4 +277,83 @@ TEST_F(FileManagerTest, AClosedCatalogOrAFailedCreateLeavesTheFileLastUsedFirst)
     }
     gFMG->CloseAllCatalogs();
   }
+}
+
+TEST_F(FileManagerTest, ExistenceAndSizeLookOnDiskThenInCatalogsAndLeaveNothingOpen) {
+  OpenCatalog("c.cat", PackedCatalog().Add("PAD.BIN", "pp").Add("PACKED.BIN", "packed"));
+  writeWholeFile(dir_.file("disk.bin"), "0123456789");
+  writeWholeFile(dir_.file("empty.bin"), "");
+  const struct {
+    const char* name;
+    int exists;        // with diskOnly 0
+    int existsOnDisk;  // with diskOnly 1
+    std::uint32_t size;
+  } rows[] = {
+      {"disk.bin", 1, 1, 10},
+      {"empty.bin", 1, 1, 0},
+      {"packed.bin", 1, 0, 6},
+      {"missing.bin", 0, 0, 0},
+  };
+  int descriptors = openDescriptors();
+  for (const auto& row : rows) {
+    EXPECT_EQ(gFMG->FileExists(row.name, 0), row.exists) << row.name;
+    EXPECT_EQ(gFMG->FileExists(row.name, 1), row.existsOnDisk) << row.name;
+    EXPECT_EQ(gFMG->GetFileSize(row.name), row.size) << row.name;
+  }
+  EXPECT_EQ(openDescriptors(), descriptors);
+  EXPECT_EQ(gFMG->openFiles.count, 0);
+}
+
+TEST_F(FileManagerTest, DirectoriesChangeRelativeToTheBaseAndPopInReverseOrder) {
+  const std::filesystem::path home = std::filesystem::current_path(), dir = dir_.path();
+  std::filesystem::create_directories(dir / "a" / "b");
+  std::filesystem::create_directories(dir / "gone");
+  EXPECT_EQ(gFMG->ChangeDirectory(At("missing").c_str()), 0);
+  EXPECT_EQ(std::filesystem::current_path(), home) << "a failed change stays";
+  std::snprintf(gFMG->baseDirectory, sizeof gFMG->baseDirectory, "b");
+  EXPECT_EQ(gFMG->ChangeDirectory(At("a").c_str()), 1);
+  EXPECT_EQ(std::filesystem::current_path(), dir / "a" / "b") << "the base, from the new one";
+  gFMG->ResetBaseDirectory();
+  EXPECT_EQ(gFMG->ChangeDirectory(At("a").c_str()), 1);
+  EXPECT_EQ(std::filesystem::current_path(), dir / "a");
+  // Pushed: a, a/b, then gone (removed before its pop).
+  for (const char* next : {"a\\b", "gone", ""}) {
+    ASSERT_EQ(gFMG->PushDirectory(), 1);
+    if (*next) {
+      ASSERT_EQ(gFMG->ChangeDirectory(At(next).c_str()), 1);
+    }
+  }
+  std::filesystem::current_path(dir);
+  std::filesystem::remove(dir / "gone");
+  gFMG->PopDirectory();
+  EXPECT_EQ(std::filesystem::current_path(), dir) << "a directory gone is not changed to";
+  gFMG->PopDirectory();
+  EXPECT_EQ(std::filesystem::current_path(), dir / "a" / "b");
+  gFMG->PopDirectory();
+  EXPECT_EQ(std::filesystem::current_path(), dir / "a");
+  std::filesystem::current_path(home);
+}
+
+TEST_F(FileManagerTest, ShutdownClosesWhatClientsLeftOpen) {
+  int descriptors = openDescriptors();
+  writeWholeFile(dir_.file("disk.bin"), "disk");
+  OpenCatalog("c.cat", PackedCatalog().Add("PACKED.BIN", "packed"));
+  ASSERT_NE(gFMG->OpenFile("disk.bin"), -1);
+  ASSERT_NE(gFMG->OpenFile("packed.bin"), -1);
+  ASSERT_NE(gFMG->CreateFile("new.bin"), -1);
+  gFMG->Shutdown();
+  EXPECT_EQ(openDescriptors(), descriptors);
+  EXPECT_EQ(gFMG->openFiles.count + gFMG->catalogs.count, 0);
+}
+
+TEST_F(FileManagerThreads, OpenFileWaitsWhileAnotherThreadHoldsTheLock) {
+  writeWholeFile(dir_.file("disk.bin"), "disk");
+  gFMG->lock.Acquire();
+  std::int32_t handle = -1;
+  std::thread opening([&handle] { handle = gFMG->OpenFile("disk.bin"); });
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  EXPECT_EQ(gFMG->openFiles.count, 0) << "opened under another thread's lock";
+  gFMG->lock.Release();
+  opening.join();
+  gFMG->CloseFile(handle);
 }
