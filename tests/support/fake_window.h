@@ -20,12 +20,13 @@ class FakeWindow : public ShellWindow {
 
   std::vector<std::array<std::string, 4>> rows;
   int selected = -1;
-  std::vector<std::string> calls, messages;
+  std::vector<std::string> calls;
   std::vector<int> answers;
   std::vector<std::string> choices;  // for both choosers: a backslash path, or "" to cancel
   std::vector<Form> forms;
   std::string caption;
   WindowPlacement placement = {44, 0, 1, 100, 50, 500, 350};
+  int unreadableCell = -1;  // ReadCell of this cell number fails, as a control's may
 
   std::string RowText(int row) const {  // the cells joined by '|'
     const auto& cells = rows.at(row);
@@ -56,7 +57,7 @@ class FakeWindow : public ShellWindow {
     return -1;
   }
   int ReadCell(int row, int cell, char* buffer) override {
-    if (!Has(row) || cell < 0 || cell > 3) return 0;
+    if (!Has(row) || cell < 0 || cell > 3 || cell == unreadableCell) return 0;
     Copy(rows[row][cell], buffer, kCellSize);  // cut, as a control does
     return 1;
   }
@@ -81,7 +82,6 @@ class FakeWindow : public ShellWindow {
   }
   void ShowMessage(const char* caption, const char* text) override {
     calls.push_back(std::string("Message ") + caption + "|" + text);
-    messages.push_back(text);
   }
   int AskYesNoCancel(const char* caption, const char* text) override {
     calls.push_back(std::string("Ask ") + caption + "|" + text);

@@ -1,0 +1,265 @@
+// The gun commands and the gun files on a fake window: rows and list in step, exact file bytes,
+// selection, and the failure paths.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <filesystem>
+
+#include "fake_window.h"
+#include "gun/gun_commands.h"
+#include "gun/gun_file.h"
+#include "gun/gun_list.h"
+#include "kernel_fixture.h"
+#include "platform/host_heap.h"
+
+namespace {
+
+using namespace std::string_literals;
+using Names = std::vector<std::string>;
+const FakeWindow::Form kCancel = [](EditGunDialog*) { return GunListView::kCancelled; };
+
+// A kernel, a fake window and a temporary directory; guns made in a few words.
+class GunTest : public KernelTest {
+ protected:
+  void TearDown() override {
+    GunListEmpty(&window);
+    KernelTest::TearDown();
+  }
+  // Scripts the next edit form to accept this name, caliber 20, ROF 600 and MuzzleVel 800.
+  void AcceptForm(const std::string& name) {
+    window.forms.push_back([=](EditGunDialog* form) {
+      std::snprintf(form->TypeName, sizeof form->TypeName, "%s", name.c_str());
+      form->Caliber = 20, form->ROF = 600, form->MuzzleVel = 800;
+      return 1;
+    });
+  }
+  void AddGuns(const Names& names) {  // through New Gun
+    for (const std::string& name : names) {
+      AcceptForm(name);
+      ASSERT_EQ(OnNewGun(&window), 1) << name;
+    }
+  }
+  // The type names of GunList in list order, checking that the rows show the same.
+  Names ListNames() {
+    Names names;
+    for (GunList.MoveFirst(); GunList.current; GunList.MoveNext()) {
+      names.push_back(static_cast<GunData*>(GunList.current->payload)->TypeName);
+    }
+    EXPECT_EQ(names, window.Names()) << "rows and list out of step";
+    return names;
+  }
+  GunData* Record(int index) {
+    GunList.MoveToIndex(index);
+    return static_cast<GunData*>(GunList.current->payload);
+  }
+  std::string Path(const std::string& name) { return systemPath(dir.file(name)); }
+  std::string Read(const std::string& name) { return readWholeFile(dir.file(name)); }
+  FakeWindow window;
+  TempDir dir;
+};
+
+TEST_F(GunTest, NewAndCopyAddSelectAndRefuseANameAlreadyInTheRows) {
+  AddGuns({"Alpha"});
+  EXPECT_EQ(window.RowText(0), "Alpha|20.0|600|800");
+  window.rows[0][0] = "Shown";  // the duplicate test reads the rows, ignoring case
+  AcceptForm("shown");
+  EXPECT_EQ(OnNewGun(&window), 0);
+  EXPECT_EQ(window.Calls({"Message"}), Names{"Message ERROR!|Gun Type shown already exists!"});
+  window.rows[0][0] = "Alpha";
+  AddGuns({"Alpha "});  // compared whole: a trailing blank makes another name
+  window.forms.push_back(kCancel);
+  EXPECT_EQ(OnNewGun(&window), 0);
+  AddGuns({std::string(60, 'n')});
+  const std::pair<int, std::string> copies[] = {
+      {0, "Copy of Alpha"}, {3, "Copy of Copy of Alpha"},
+      {2, "Copy of " + std::string(55, 'n')}};  // cut to 63 bytes
+  for (const auto& [source, expected] : copies) {
+    window.SelectRow(source);
+    ASSERT_EQ(OnCopyGun(&window), 1);
+    int last = window.RowCount() - 1;
+    EXPECT_EQ(window.selected, last);
+    EXPECT_EQ(window.rows[last][0], expected);
+    EXPECT_EQ(std::memcmp(Record(last)->FullName, Record(source)->FullName,
+                          sizeof(GunData) - sizeof Record(0)->TypeName), 0)
+        << "the bytes behind the name are copied too";
+  }
+  EXPECT_EQ(ListNames().size(), 6u);
+}
+
+TEST_F(GunTest, MovesAndDeletesKeepRowsAndListInStepAndSelectAsDocumented) {
+  AddGuns({"A", "B", "C", "D"});
+  for (auto command : {OnEditGun, OnCopyGun, OnDeleteGun, OnMoveUp, OnMoveDown}) {
+    window.selected = -1;
+    EXPECT_EQ(command(&window), 0) << "nothing runs without a selected row";
+  }
+  window.rows[1][1] = "hand-made";  // a move carries the cell text, it doesn't format anew
+  struct Step {
+    int (*command)(GunListView*);
+    int row, result;
+    Names after;
+    int selected, unreadableCell = -1;
+  } steps[] = {
+      {OnMoveUp, 1, 1, {"B", "A", "C", "D"}, 0},   {OnMoveUp, 0, 0, {"B", "A", "C", "D"}, 0},
+      {OnMoveDown, 0, 1, {"A", "B", "C", "D"}, 1}, {OnMoveDown, 2, 1, {"A", "B", "D", "C"}, 3},
+      {OnMoveDown, 3, 0, {"A", "B", "D", "C"}, 3},
+      {OnMoveUp, 1, 0, {"A", "B", "D", "C"}, 1, 0},  // an unreadable name: nothing moves
+      {OnMoveDown, 1, 1, {"A", "D", "B", "C"}, 2, 3},  // another unreadable cell moves empty
+      {OnDeleteGun, 1, 1, {"A", "B", "C"}, 1},  // the following row takes the selection
+      {OnDeleteGun, 2, 1, {"A", "B"}, 1},       // or the new last one
+      {OnDeleteGun, 0, 1, {"B"}, 0},            {OnDeleteGun, 0, 1, {}, -1},
+  };
+  for (const Step& step : steps) {
+    SCOPED_TRACE("step " + std::to_string(&step - steps));
+    window.SelectRow(step.row);
+    window.unreadableCell = step.unreadableCell;
+    EXPECT_EQ(step.command(&window), step.result);
+    EXPECT_EQ(ListNames(), step.after);
+    EXPECT_EQ(window.selected, step.selected);
+    if (step.unreadableCell > 0) {
+      EXPECT_EQ(window.rows[step.selected][step.unreadableCell], "");
+    }
+    for (const auto& cells : window.rows) EXPECT_TRUE(cells[0] != "B" || cells[1] == "hand-made");
+  }
+}
+
+TEST_F(GunTest, NoMemoryForARecordOrANodeChangesNothing) {
+  AddGuns({"A", "B"});
+  for (int nth = 1; nth <= 2; nth++) {  // 1: the record, 2: its node
+    std::int64_t blocks = LiveBlocks();
+    AcceptForm("C");
+    hostHeapFailNth(nth);
+    EXPECT_EQ(OnNewGun(&window), 0) << nth;
+    window.SelectRow(0);
+    hostHeapFailNth(nth);
+    EXPECT_EQ(OnCopyGun(&window), 0) << nth;
+    hostHeapFailNth(1);  // the new node of a move
+    EXPECT_EQ(OnMoveDown(&window), 0);
+    EXPECT_EQ(ListNames(), (Names{"A", "B"})) << nth;
+    EXPECT_EQ(window.selected, 0);
+    EXPECT_EQ(LiveBlocks(), blocks) << nth;
+  }
+}
+
+TEST_F(GunTest, MessageBoxShowsOnlyANonEmptyText) {
+  EXPECT_EQ(winMessageBox(&window, "ERROR!", "%s", ""), 0);
+  EXPECT_EQ(winMessageBox(&window, "ERROR!", "%s %d", "x", 1), 1);
+  EXPECT_EQ(window.Calls({"Message"}), Names{"Message ERROR!|x 1"});
+}
+
+// A gun from the form saved, in list order and renumbered, as exact text and binary records; the
+// edit form gets back what was entered. Grams become kilograms, in single precision.
+TEST_F(GunTest, FormToFilesAndBackKeepsEveryField) {
+  const EditGunDialog entered = {
+      .AmmoWt = 250, .Caliber = 20, .FullName = "Alpha Gun", .GunFireEffect = "fx_muzzle",
+      .MuzzleVel = 800, .TracerLength = 4, .TracerTexture = "tracer_red", .TracerSize = 0.3f,
+      .WarheadWt = 100, .TracerDistFactor = 1.5f, .ROF = 600, .TypeName = "Alpha",
+      .Accuracy = 0.75f, .FireColorG = 0.5f, .FireColorB = 2, .FireColorR = 1,
+      .Reliability = 0.9f, .AddLight = 0x1FFFF,  // only the low 16 bits reach the record
+      .MaxStreakVisibleDist = 500, .MaxVisibleDist = 1000, .MaxLightRange = 30,
+      .EffectClassName = "GunEffect", .EffectTime = 0.2f};
+  window.forms.push_back([&](EditGunDialog* form) {
+    *form = entered;
+    return 1;
+  });
+  ASSERT_EQ(OnNewGun(&window), 1);
+  ASSERT_EQ(OnCopyGun(&window), 1);
+  ASSERT_EQ(OnMoveUp(&window), 1);
+  ASSERT_EQ(GunFileSave(&window, Path("b.ini").c_str()), 1);
+  EXPECT_EQ(window.selected, 0) << "a save changes no selection";
+  const std::string keys =
+      "\nFullName=Alpha Gun\nCaliber=20.000000\nROF=600.000000\n"
+      "MuzzleVel=800.000000\nAmmoWt=0.250000\nWarheadWt=0.100000\nReliability=0.900000\n"
+      "Accuracy=0.750000\nAddLight=TRUE\nMaxLightRange=30.000000\n"
+      "FireColor=1.000000,0.500000,2.000000\nGunFireEffect=fx_muzzle\nGunFireSound=\n"
+      "EffectClassName=GunEffect\nEffectTime=0.200000\nTracerTexture=tracer_red\n"
+      "TracerSize=0.300000\nTracerDistFactor=1.500000\nTracerLength=4.000000\n"
+      "MaxVisibleDist=1000.000000\nMaxStreakVisibleDist=500.000000\n\n";
+  EXPECT_EQ(Read("b.ini"), "[GunData001]\nTypeName=Copy of Alpha" + keys +
+                               "[GunData002]\nTypeName=Alpha" + keys);
+  std::string dat = Read("b.dat");
+  ASSERT_EQ(dat.size(), 4u + 2 * 560);
+  EXPECT_EQ(dat.substr(0, 4), "\x02\0\0\0"s);
+  EXPECT_EQ(dat.substr(4, 560), std::string(reinterpret_cast<char*>(Record(0)), 560));
+  // Alpha's AmmoWt, WarheadWt, Accuracy, Reliability, CaliberTerm, FireInterval, WarheadTerm,
+  // InvMuzzleVel, SlotA; the pad before AddLight and AddLight; TracerSlot
+  const int offsets[] = {204, 208, 212, 216, 220, 224, 228, 232, 236, 380, 468};
+  std::vector<std::uint32_t> found(std::size(offsets));
+  for (std::size_t i = 0; i < found.size(); i++) std::memcpy(&found[i], &dat[564 + offsets[i]], 4);
+  EXPECT_EQ(found, (std::vector<std::uint32_t>{0x3E800000, 0x3DCCCCCD, 0x3F400000, 0x3F666666,
+                                               0xB9D1B719, 0x3DCCCCCD, 0x40AC4627, 0x3AA3D70A,
+                                               0xFFFFFFFF, 0xFFFF0000, 0}));
+  window.SelectRow(1);
+  window.forms.push_back([&](EditGunDialog* form) {
+    EXPECT_EQ(form->AddLight, -1) << "widened with its sign";
+    form->AddLight = entered.AddLight;
+    EXPECT_EQ(std::memcmp(form, &entered, sizeof entered), 0) << "a field came back changed";
+    return GunListView::kCancelled;
+  });
+  EXPECT_EQ(OnEditGun(&window), 0);
+  GunListEmpty(&window);
+  ASSERT_EQ(GunFileSave(&window, Path("b.ini").c_str()), 1);
+  EXPECT_EQ(Read("b.dat") + Read("b.ini"), "\0\0\0\0"s);
+}
+
+// The binary file is made first; when it can't be, the text file is left as it was.
+TEST_F(GunTest, TextFileIsWrittenAfterTheBinaryOneAndOnlyIfItWasMade) {
+  writeWholeFile(dir.file("b.ini"), "old");
+  std::filesystem::create_directory(dir.file("b.dat"));  // CreateFile fails on it
+  EXPECT_EQ(GunFileSave(&window, Path("b.ini").c_str()), 0);
+  EXPECT_EQ(Read("b.ini"), "old");
+  EXPECT_EQ(window.Calls({"Message"}), Names{"Message ERROR!|Unable to create " + Path("b.ini") + " for writing!"});
+  AddGuns({"A"});
+  ASSERT_EQ(GunFileSave(&window, Path("c.ini").c_str()), 1);
+  ASSERT_EQ(GunFileSave(&window, Path("same.dat").c_str()), 1);  // both files on one name
+  EXPECT_EQ(Read("same.dat"), Read("c.ini")) << "the text came last";
+}
+
+TEST_F(GunTest, LoadCasesOfTheTextFile) {
+  writeWholeFile(dir.file("cases.ini"),
+                 "[GunData002]\r\nTypeName=Second\r\nAddLight=true\r\nFireColor=0.5,-1\r\n"
+                 "WarheadWt=-0.5\r\n"
+                 "[gundata001]\r\nTypeName=" + std::string(80, 'L') + "\r\nFullName=" +
+                 std::string(200, 'F') + "\r\nAddLight=7\r\nFireColor=0.5,-1,3\r\nROF=1e3\r\n"
+                 "[GunData004]\r\nTypeName=Gap\r\n[GunData03]\r\nTypeName=FewDigits\r\n");
+  GunFileLoad(&window, Path("cases.ini").c_str());
+  ASSERT_EQ(ListNames(), (Names{std::string(63, 'L'), "Second"}));
+  EXPECT_EQ(window.selected, 0);
+  GunData *first = Record(0), *second = Record(1);
+  EXPECT_EQ(std::strlen(first->FullName), 127u);
+  EXPECT_EQ(first->AddLight, 1);
+  EXPECT_EQ(second->AddLight, 1);
+  EXPECT_EQ(std::vector<float>(first->FireColor, first->FireColor + 3),
+            (std::vector<float>{0.5f, 0, 1})) << "clamped";
+  EXPECT_EQ(first->FireInterval, 0.06f);
+  EXPECT_EQ(second->FireColor[0], 0.0f) << "fewer than two commas leaves black";
+  EXPECT_EQ(second->InvMuzzleVel, INFINITY);
+  EXPECT_TRUE(std::isnan(second->WarheadTerm)) << "a negative weight gives a NaN, and loads";
+  for (const char* content : {"", "\n[GunData001]\nTypeName=X\n", "[Other]\nTypeName=X\n"}) {
+    AddGuns({"Kept?"});
+    writeWholeFile(dir.file("x.ini"), content);
+    GunFileLoad(&window, Path(content[0] ? "x.ini" : "missing.ini").c_str());
+    EXPECT_EQ(ListNames(), Names{}) << content;  // the document is emptied
+  }
+}
+
+TEST_F(GunTest, FullArenaLeavesKeysOutWhileTheBinaryFileStaysComplete) {
+  window.forms.push_back([](EditGunDialog* form) {
+    for (char* text : {form->TypeName, form->FullName, form->GunFireEffect, form->GunFireSound,
+                       form->EffectClassName, form->TracerTexture}) {
+      std::memset(text, 't', 200);  // cut to the record's 63 or 127 bytes
+    }
+    return 1;
+  });
+  ASSERT_EQ(OnNewGun(&window), 1);
+  for (int i = 1; i < 400; i++) ASSERT_EQ(OnCopyGun(&window), 1);  // one arena takes 353
+  ASSERT_EQ(GunFileSave(&window, Path("big.ini").c_str()), 1);
+  EXPECT_EQ(Read("big.dat").size(), 4u + 560u * 400);
+  std::string text = Read("big.ini");
+  EXPECT_EQ(text.rfind("[GunData001]\nTypeName=" + std::string(63, 't') + "\nFullName=" +
+                           std::string(127, 't') + "\n", 0), 0u);
+  EXPECT_NE(text.find("[GunData300]\nTypeName=Copy of "), std::string::npos);
+  EXPECT_EQ(text.find("[GunData400]\nTypeName="), std::string::npos);
+}
+
+}  // namespace
