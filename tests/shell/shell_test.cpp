@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <tuple>
 
 #include "fake_window.h"
 #include "gun/gun_commands.h"
@@ -63,62 +62,65 @@ class ShellTest : public KernelTest {
   FakeWindow window_;
 };
 
-// New, Open and Close after each answer, on Alpha and Beta as a.ini or unnamed. The save chooser
-// takes `save` ("" cancels); Open's is cancelled. `after` is State() unless New reset the document.
-TEST_F(ShellTest, CommandsAfterThePrompt) {
+// New, Open and Close on a dirty document (Alpha saved as a.ini or unnamed, then Beta added),
+// for each answer to the question. Yes saves, through the chooser when the document has no file
+// (it takes `save`; "" cancels). `after` is State() unless New went on and reset the document;
+// a clean document there has Beta in its file. Open's chooser proposes the document's name.
+TEST_F(ShellTest, CommandsAfterTheQuestion) {
   struct Case {
-    const char* name;
     int answer;
-    bool filed, saved, goesOn;  // Beta reaches a file; the command gets past the question
-    const char *save, *after, *proposal;
+    bool filed;
+    const char *save, *after;
   } cases[] = {
-      {"yes, filed", kYes, true, true, true, nullptr, "1 0 a.ini", "a.ini"},
-      {"yes, unnamed, chosen", kYes, false, true, true, "c.ini", "1 0 c.ini", "c.ini"},
-      {"yes, unnamed, not chosen", kYes, false, false, true, "", "0 1 Untitled", ""},
-      {"no, filed", kNo, true, false, true, nullptr, "1 1 a.ini", "a.ini"},
-      {"no, unnamed", kNo, false, false, true, nullptr, "0 1 Untitled", ""},
-      {"cancel, filed", kCancel, true, false, false, nullptr, "1 1 a.ini", ""},
-      {"cancel, unnamed", kCancel, false, false, false, nullptr, "0 1 Untitled", ""},
-      {"another answer", 1, false, false, false, nullptr, "0 1 Untitled", ""},
+      {kYes, true, nullptr, "1 0 a.ini"},    {kYes, false, "c.ini", "1 0 c.ini"},
+      {kYes, false, "", "0 1 Untitled"},     {kNo, true, nullptr, "1 1 a.ini"},
+      {kNo, false, nullptr, "0 1 Untitled"}, {kCancel, true, nullptr, "1 1 a.ini"},
+      {kCancel, false, nullptr, "0 1 Untitled"},
+      {1, false, nullptr, "0 1 Untitled"},  // any other answer cancels
   };
   for (const std::string command : {"new", "open", "close"}) {
     for (const Case& c : cases) {
-      SCOPED_TRACE(command + ", " + c.name);
+      SCOPED_TRACE(command + ", case " + std::to_string(&c - cases));
       fs::remove(root_ + "/c.ini");
       ResetDocument(&window_);
       AddGun("Alpha");
       if (c.filed) window_.choices = {Chosen("a.ini")};
       if (c.filed) OnSave(&window_);
       AddGun("Beta");
+      const std::string after = c.after;
+      const bool goesOn = c.answer == kYes || c.answer == kNo;
       Strings expected = {"Ask Tessarine|Save changes to " + std::string(DocumentTitle) + "?"};
       window_.calls.clear();
       window_.answers = {c.answer};
       if (c.save) window_.choices.push_back(*c.save ? Chosen(c.save) : "");
       if (c.save) expected.push_back("Save ini ");
-      if (c.goesOn && command == "open") window_.choices.push_back("");
-      if (c.goesOn && command == "open") expected.push_back(std::string("Open ") + c.proposal);
+      if (goesOn && command == "open") window_.choices.push_back("");
+      if (goesOn && command == "open") {
+        expected.push_back("Open " + (after[0] == '1' ? after.substr(4) : ""));
+      }
       if (command == "close") {
-        EXPECT_EQ(OnCloseCommand(&window_), c.goesOn);
+        EXPECT_EQ(OnCloseCommand(&window_), goesOn);
       }
       if (command == "new") OnNew(&window_);
       if (command == "open") OnOpen(&window_);
-
       EXPECT_EQ(window_.Calls({"Ask", "Save", "Open"}), expected);
       std::string saved = readWholeFile(root_ + (c.filed ? "/a.ini" : "/c.ini"));
-      EXPECT_EQ(saved.find("Beta") != std::string::npos, c.saved);
-      const bool reset = c.goesOn && command == "new";
-      EXPECT_EQ(State(), reset ? "0 0 Untitled @ . ." : c.after + std::string(" Alpha Beta @ . ."));
+      EXPECT_EQ(saved.find("Beta") != std::string::npos, after[2] == '0');
+      const bool reset = goesOn && command == "new";
+      EXPECT_EQ(State(), reset ? "0 0 Untitled @ . ." : after + " Alpha Beta @ . .");
     }
   }
 }
 
 // The directory follows each file chosen, in a save or an open, and a save under the known path
-// moves nothing. Save As proposes the present name. Open sets the caption before the load and
-// repaints after it; a file that can't be read leaves the document empty.
+// moves nothing and sets no caption. Save As proposes the present name. Open sets the caption
+// before the load and repaints after it; a file that can't be read leaves the document empty.
+// A save that fails still files the document under the new name, clean.
 TEST_F(ShellTest, DirectoryFollowsEveryChosenFile) {
   AddGun("Alpha");
+  const std::string nowhere = systemPath(root_ + "/gone/x.ini");
   window_.choices = {Chosen("one/a.ini"), "", Chosen("two/b.ini"), Chosen("one/a.ini"),
-                     Chosen("missing/d.ini")};
+                     Chosen("missing/d.ini"), nowhere};
   OnSave(&window_);
   EXPECT_EQ(State(), "1 0 a.ini Alpha @ one one");
   fs::current_path(root_);
@@ -136,28 +138,20 @@ TEST_F(ShellTest, DirectoryFollowsEveryChosenFile) {
   EXPECT_EQ(State(), "1 0 d.ini @ missing missing");
   const char filter[] = "Gun Data Files (*.ini)\0*.ini\0All Files (*.*)\0*.*\0";
   EXPECT_EQ(std::string(FileDialog.filter, sizeof filter), std::string(filter, sizeof filter));
-  EXPECT_EQ(window_.Calls({"Save", "Caption", "InsertRow", "Repaint"}),
-            (Strings{"Save ini a.ini", "Save ini a.ini", "Caption b.ini", "Caption a.ini",
-                     "InsertRow 0 Alpha", "Repaint", "Caption d.ini", "Repaint"}));
-}
-
-// A save that fails still files the document under the new name, clean: Close asks nothing.
-TEST_F(ShellTest, FailedSaveStillRenamesAndCleans) {
-  AddGun("Alpha");
-  const std::string nowhere = systemPath(root_ + "/gone/x.ini");
-  window_.choices = {nowhere};
-  OnSaveAs(&window_);
-  EXPECT_EQ(State(), "1 0 x.ini Alpha @ gone .");  // the directory can't be entered
-  EXPECT_EQ(std::string(DocumentPath), nowhere);
-  EXPECT_EQ(OnCloseCommand(&window_), 1);
   AddGun("Beta");
-  OnSave(&window_);
-  EXPECT_EQ(State(), "1 0 x.ini Alpha Beta @ gone .");
-  EXPECT_EQ(window_.messages, Strings(2, "Unable to create " + nowhere + " for writing!"));
+  OnSaveAs(&window_);
+  EXPECT_EQ(State(), "1 0 x.ini Beta @ gone missing");  // the directory can't be entered
+  EXPECT_EQ(std::string(DocumentPath), nowhere);
+  EXPECT_EQ(window_.Calls({"Save", "Caption", "InsertRow", "Repaint", "Message"}),
+            (Strings{"Save ini a.ini", "Save ini a.ini", "Caption b.ini", "Caption a.ini",
+                     "InsertRow 0 Alpha", "Repaint", "Caption d.ini", "Repaint",
+                     "InsertRow 0 Beta", "Save ini d.ini", "Caption x.ini",
+                     "Message ERROR!|Unable to create " + nowhere + " for writing!"}));
 }
 
-// The question fits its 260 bytes: the title is cut, never inside a character.
-TEST_F(ShellTest, QuestionIsBoundedForLongTitles) {
+// The question fits its 260 bytes: the title is cut, never inside a character. Only a gun
+// command that changed something (gave 1) marks the document, and none cleans it.
+TEST_F(ShellTest, QuestionIsBoundedAndGunCommandsMarkTheDocument) {
   const std::string a(240, 'a'), e = "\xC3\xA9";
   const std::pair<std::string, std::string> cases[] = {
       {a + "bb", a + "bb"}, {a + std::string(19, 'b'), a + "bb"},
@@ -169,24 +163,19 @@ TEST_F(ShellTest, QuestionIsBoundedForLongTitles) {
     EXPECT_EQ(SaveChangesPromptAsk(title.c_str()), kNo);
     EXPECT_EQ(window_.calls.back(), "Ask Tessarine|Save changes to " + shown + "?") << title;
   }
-}
-
-// A gun command marks the document when it changed something (gave 1), and never cleans it.
-TEST_F(ShellTest, OnlyAGunCommandThatChangedSomethingSetsTheFlag) {
   int (*const commands[])(GunListView*) = {[](GunListView*) { return 0; },
                                            [](GunListView*) { return 1; }};
-  for (int dirty : {0, 1}) {
-    for (int result : {0, 1}) {
-      SaveChangesPrompt.dirty = dirty;
-      RunGunCommand(&window_, commands[result]);
-      EXPECT_EQ(SaveChangesPrompt.dirty, dirty | result) << dirty << result;
-    }
+  for (int both = 0; both < 4; both++) {  // dirty before, the command's result
+    SaveChangesPrompt.dirty = both / 2;
+    RunGunCommand(&window_, commands[both % 2]);
+    EXPECT_EQ(SaveChangesPrompt.dirty, both / 2 | both % 2) << both;
   }
 }
 
 // The first run (the fixture's) has written the settings as the window opened, and writes them
 // again as it closes at once, back in the start-up directory though browsing moved the process.
-// A stale directory is kept; a run that opens a file elsewhere stores that directory.
+// A stale directory is kept; a run that opens a file elsewhere stores that directory. Positions
+// from the file wrap rather than overflow.
 TEST_F(ShellTest, SettingsAcrossRuns) {
   const std::string file = root_ + "/Tessarine.ini";
   EXPECT_EQ(readWholeFile(file), Settings(root_, 0, 0));
@@ -208,25 +197,17 @@ TEST_F(ShellTest, SettingsAcrossRuns) {
   ShellWindowOpened(&window_);
   window_.choices = {Chosen("guns/a.ini")};
   OnOpen(&window_);
-  window_.placement = {44, 0, 2, 30, 40, 430, 340};  // minimised: the restored place is kept
+  window_.placement = {44, 0, 2, INT32_MAX, INT32_MIN, 0, 0};  // minimised: the restored place
   ShellWindowClosing(&window_);
-  EXPECT_EQ(readWholeFile(file), Settings(root_ + "/guns", 30, 40) + "[Other]\nKey=1\n\n");
+  EXPECT_EQ(readWholeFile(file),
+            Settings(root_ + "/guns", INT32_MAX, INT32_MIN) + "[Other]\nKey=1\n\n");
   window_.placement = {44, 0, 1, 0, 0, 640, 480};  // where and how big the template puts it
   ShellWindowOpened(&window_);  // left for the fixture to close
   EXPECT_EQ(State(), "0 0 Untitled @ guns guns");
   EXPECT_FALSE(fs::exists(root_ + "/guns/Tessarine.ini")) << "written before the move";
-  const WindowPlacement& at = window_.placement;  // restored at the stored place, template size
-  EXPECT_EQ(std::make_tuple(at.left, at.top, at.right, at.bottom, at.showCmd, at.flags),
-            std::make_tuple(30, 40, 670, 520, 1, 0));
+  const WindowPlacement& at = window_.placement;  // at the stored place, in the template's size
+  EXPECT_EQ((std::vector<std::int32_t>{at.left, at.top, at.right, at.bottom, at.showCmd, at.flags}),
+            (std::vector<std::int32_t>{INT32_MAX, INT32_MIN, INT32_MIN + 639, INT32_MIN + 480, 1, 0}));
 }
 
 }  // namespace
-
-TEST(Placement, PositionsFromTheFileWrapInsteadOfOverflowing) {
-  FakeWindow window;
-  WindowPlacement placement = {44, 0, 1, 10, 20, 410, 320};
-  winMoveTo(&window, &placement, INT32_MAX, INT32_MIN);
-  EXPECT_EQ(window.placement.left, INT32_MAX);
-  EXPECT_EQ(window.placement.right, INT32_MIN + 399);
-  EXPECT_EQ(window.placement.bottom, INT32_MIN + 300);
-}
