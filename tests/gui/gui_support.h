@@ -2,8 +2,12 @@
 #pragma once
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QDeadlineTimer>
+#include <QPointer>
 #include <QTest>
+#include <QTimer>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -11,39 +15,85 @@
 #include "kernel_fixture.h"
 #include "shell/qt/gun_list_dialog.h"
 
-// Runs `act` on the next modal window that opens above the one active now, from the event loop
-// (so while a modal run blocks the test). Fails the test if none opens within five seconds.
-void whenModal(std::function<void(QWidget*)> act);
-// whenModal for a window of type T, which `act` gets.
-template <typename T>
+inline int pendingModalActs = 0;  // whenModal calls still waiting for their window
+
+// Gives `act` the first visible modal window other than `before`, polling every 10 ms; fails
+// the test when none is there by the deadline.
+inline void actOnNextModal(QPointer<QWidget> before, std::function<void(QWidget*)> act,
+                           QDeadlineTimer deadline) {
+  QWidget* modal = QApplication::activeModalWidget();
+  if ((!modal || modal == before || !modal->isVisible()) && !deadline.hasExpired()) {
+    QTimer::singleShot(10, [=] { actOnNextModal(before, act, deadline); });
+    return;
+  }
+  --pendingModalActs;
+  act(modal && modal != before ? modal : nullptr);
+}
+
+// Runs `act` on the next modal window, of type T, that opens above the one active now, from the
+// event loop (so while a modal run blocks the test). Fails the test if none opens within 5 s.
+template <typename T = QWidget>
 void whenModal(std::function<void(T*)> act) {
-  whenModal([act](QWidget* widget) {
-    T* typed = qobject_cast<T*>(widget);
-    if (!typed) ADD_FAILURE() << "a modal " << widget->metaObject()->className() << " opened";
-    if (typed) act(typed);
+  QPointer<QWidget> before = QApplication::activeModalWidget();
+  ++pendingModalActs;
+  QTimer::singleShot(0, [=] {
+    actOnNextModal(before, [act](QWidget* modal) {
+      T* typed = qobject_cast<T*>(modal);
+      if (!typed) ADD_FAILURE() << "no modal " << T::staticMetaObject.className() << " opened";
+      if (typed) act(typed);
+    }, QDeadlineTimer(5000));
   });
 }
+
 // Clicks the middle of a widget.
-void click(QWidget* widget);
-// Waits until every whenModal has had its window and no modal window is left (at most six
-// seconds; a whenModal whose window never came has failed the test by then).
-void waitForNoModal();
+inline void click(QWidget* widget) {
+  QTest::mouseClick(widget, Qt::LeftButton, {}, widget->rect().center());
+}
+
+// Waits until every whenModal has had its window and no modal window is left (at most 6 s).
+inline void waitForNoModal() {
+  QApplication::processEvents();
+  QDeadlineTimer deadline(6000);
+  while ((pendingModalActs > 0 || QApplication::activeModalWidget()) && !deadline.hasExpired()) {
+    QTest::qWait(10);
+  }
+}
 
 // The main window, opened on a fresh kernel in a temporary start-up directory, shown but not
 // modal so that the test drives it; closed and checked for leaks afterwards.
 class MainWindowTest : public KernelTest {
  protected:
-  void SetUp() override;
-  void TearDown() override;
-  // Clicks the button of that name (the template's text without spaces).
-  void Press(const char* name);
-  QWidget* Button(const char* name);
-  // Makes the main window the active one again, as it is after a modal window closes.
-  void Activate();
+  void SetUp() override {
+    KernelTest::SetUp();
+    std::filesystem::current_path(root_.path());
+    OpenWindow();
+  }
+  void TearDown() override {
+    waitForNoModal();
+    window_->DestroyWindow();
+    delete window_;
+    std::filesystem::current_path(cwd_);
+    KernelTest::TearDown();
+  }
   // Opens a new main window, as at start-up, and makes it the active one.
-  void OpenWindow();
+  void OpenWindow() {
+    window_ = new GunListDialog;
+    window_->OnInitDialog();
+    window_->show();
+    Activate();
+  }
+  // Makes the main window the active one again, as it is after a modal window closes.
+  void Activate() {
+    window_->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window_));
+  }
+  // The button of that name (the template's text without spaces), and a click on it.
+  QWidget* Button(const char* name) {
+    return window_->findChild<QAbstractButton*>(QString::fromLatin1(name));
+  }
+  void Press(const char* name) { click(Button(name)); }
 
   TempDir root_;
-  std::filesystem::path cwd_;
+  std::filesystem::path cwd_ = std::filesystem::current_path();
   GunListDialog* window_ = nullptr;
 };

@@ -1,25 +1,26 @@
-// The main window driven with real clicks and keys: gun commands, selection, keys, the frame.
+// Both windows driven with real clicks and keys: the gun commands, selection, keys, the frame,
+// the choosers, and the edit form's exchange order and byte limits.
+#include <QCheckBox>
 #include <QFileDialog>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QMessageBox>
-#include <QScrollBar>
 #include <map>
-#include <vector>
 
 #include "gui_support.h"
+#include "gun/gun_file.h"
 #include "shell/document.h"
 #include "shell/qt/edit_gun_form.h"
 #include "shell/qt/gun_list_control.h"
 
 namespace {
 
-using Fields = std::map<std::string, std::string>;
+using Strings = std::vector<std::string>;
 
 class MainWindow : public MainWindowTest {
  protected:
   // Runs New Gun (or the button given) and types the fields into the form before OK.
-  void EnterGun(const Fields& fields, const char* button = "NewGun") {
+  void EnterGun(const std::map<std::string, std::string>& fields, const char* button = "NewGun") {
     whenModal<EditGunForm>([fields](EditGunForm* form) {
       for (const auto& [name, text] : fields) {
         form->Field(name.c_str())->selectAll();
@@ -30,98 +31,95 @@ class MainWindow : public MainWindowTest {
     Press(button);
     waitForNoModal();
   }
-  std::vector<std::string> Rows() {
-    std::vector<std::string> rows;
-    char cell[GunListView::kCellSize];
+  Strings Rows() {  // the cells of each row joined by '|'
+    Strings rows;
     for (int row = 0; row < window_->RowCount(); ++row) {
-      std::string text;
-      for (int c = 0; c < GunListControl::kCells; ++c) {
-        window_->ReadCell(row, c, cell);
-        text += (c ? "|" : "") + std::string(cell);
-      }
-      rows.push_back(text);
+      QTreeWidgetItem* item = window_->List()->topLevelItem(row);
+      rows.push_back(QStringList{item->text(0), item->text(1), item->text(2), item->text(3)}
+                         .join('|').toStdString());
     }
     return rows;
   }
   // A point in the list's viewport on `row` (past the last row: below it) in `column`.
   QPoint At(int row, int column) {
     GunListControl* list = window_->List();
-    int x = list->header()->sectionViewportPosition(column) + 10;
-    QRect last = list->visualItemRect(list->topLevelItem(list->RowCount() - 1));
-    if (row >= list->RowCount()) return QPoint(x, last.bottom() + 20);
-    return QPoint(x, list->visualItemRect(list->topLevelItem(row)).center().y());
+    QRect rect = list->visualItemRect(list->topLevelItem(std::min(row, list->RowCount() - 1)));
+    int y = row < list->RowCount() ? rect.center().y() : rect.bottom() + 20;
+    return QPoint(list->header()->sectionViewportPosition(column) + 10, y);
   }
 };
 
-TEST_F(MainWindow, RunsTheSixGunCommandsOnTheTable) {
+// Expects a refusal box naming `label`, and closes it.
+void expectRefusal(const QString& label) {
+  whenModal<QMessageBox>([label](QMessageBox* box) {
+    EXPECT_TRUE(box->text().startsWith(label + ":")) << box->text().toStdString();
+    box->accept();
+  });
+}
+
+TEST_F(MainWindow, RunsTheGunCommandsAndSelectsByClicksAnywhereInARow) {
   EnterGun({{"TypeName", "Alpha"}, {"Caliber", "12.7"}, {"ROF", "750.4"}, {"MuzzleVel", "900"}});
   EnterGun({{"TypeName", "Bravo"}, {"Caliber", "20"}});
-  EXPECT_EQ(Rows(), (std::vector<std::string>{"Alpha|12.7|750|900", "Bravo|20.0|0|0"}));
+  Press("CopyGun");
+  Press("MoveUp");
+  EXPECT_EQ(Rows(), (Strings{"Alpha|12.7|750|900", "Copy of Bravo|20.0|0|0", "Bravo|20.0|0|0"}));
   EXPECT_EQ(window_->FirstSelectedRow(), 1);
   EXPECT_EQ(SaveChangesPrompt.dirty, 1);
-
-  Press("CopyGun");
-  EXPECT_EQ(Rows().at(2), "Copy of Bravo|20.0|0|0");
-  Press("MoveUp");
-  EXPECT_EQ(Rows().at(1), "Copy of Bravo|20.0|0|0");
-  EXPECT_EQ(window_->FirstSelectedRow(), 1);
   Press("MoveDown");
-  EXPECT_EQ(Rows().at(2), "Copy of Bravo|20.0|0|0");
-
-  window_->SelectRow(0);
+  Activate();
+  GunListControl* list = window_->List();
+  for (int column = 0; column < GunListControl::kCells; ++column) {
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, At(column % 2, column));
+    EXPECT_EQ(window_->FirstSelectedRow(), column % 2) << column;
+  }
+  Button("Save")->setFocus();
+  QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, At(3, 2));  // below the last row
+  EXPECT_EQ(window_->FirstSelectedRow(), 2);
+  EXPECT_TRUE(list->hasFocus());
   whenModal<EditGunForm>([](EditGunForm* form) {
-    EXPECT_EQ(form->Field("TypeName")->text(), "Alpha");
-    EXPECT_EQ(form->Field("Caliber")->text(), "12.7");
     EXPECT_EQ(form->Field("ROF")->text(), "750.4");
     form->Field("ROF")->selectAll();
     QTest::keyClicks(form->Field("ROF"), "600");
     click(form->findChild<QWidget*>("OK"));
   });
-  Press("EditGun");
-  EXPECT_EQ(Rows().at(0), "Alpha|12.7|600|900");
+  QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, At(0, 3));  // edits that row
+  waitForNoModal();
+  EXPECT_EQ(window_->focusWidget(), list);
+  Activate();
+  list->clearSelection();
+  Button("Save")->setFocus();  // the list loses the focus and keeps a row selected
+  EXPECT_EQ(window_->FirstSelectedRow(), 2);
   Press("DeleteGun");
-  EXPECT_EQ(Rows(), (std::vector<std::string>{"Bravo|20.0|0|0", "Copy of Bravo|20.0|0|0"}));
-  EXPECT_EQ(window_->FirstSelectedRow(), 0);
+  EXPECT_EQ(Rows(), (Strings{"Alpha|12.7|600|900", "Bravo|20.0|0|0"}));
+  EXPECT_EQ(window_->FirstSelectedRow(), 1);
 }
 
-TEST_F(MainWindow, EnterNeitherRunsACommandNorClosesTheForm) {
+TEST_F(MainWindow, EnterDoesNothingAndEscAsksOnADirtyDocumentWhereCancelKeepsIt) {
   EnterGun({{"TypeName", "Alpha"}});
   SaveChangesPrompt.dirty = 0;
   window_->List()->setFocus();
   QTest::keyClick(window_->List(), Qt::Key_Return);
   QTest::qWait(50);
   EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
-  EXPECT_TRUE(window_->isVisible());
-
   whenModal<EditGunForm>([](EditGunForm* form) {
-    EXPECT_EQ(form->focusWidget(), form->Field("TypeName"));
     QTest::keyClick(form->Field("TypeName"), Qt::Key_Return);
     QTest::keyClick(form->Field("Caliber"), Qt::Key_Enter);
     EXPECT_TRUE(form->isVisible());
     QTest::keyClick(form, Qt::Key_Escape);
   });
   Press("EditGun");
-  EXPECT_EQ(Rows(), std::vector<std::string>{"Alpha|0.0|0|0"});
   EXPECT_EQ(SaveChangesPrompt.dirty, 0);
-}
-
-TEST_F(MainWindow, EscAndTheCloseBoxAskOnADirtyDocumentAndCancelKeepsIt) {
-  EnterGun({{"TypeName", "Alpha"}});
-  for (bool escape : {true, false}) {
+  SaveChangesPrompt.dirty = 1;
+  for (bool escape : {true, false}) {  // Esc, then the close box
     whenModal<QMessageBox>([](QMessageBox* box) {
       EXPECT_EQ(box->text(), "Save changes to Untitled?");
       EXPECT_EQ(box->windowTitle(), "Tessarine");
-      EXPECT_EQ(box->icon(), QMessageBox::Warning);
       QTest::keyClick(box, Qt::Key_Escape);
     });
-    if (escape) {
-      QTest::keyClick(window_, Qt::Key_Escape);
-    } else {
-      window_->close();
-    }
+    if (escape) QTest::keyClick(window_, Qt::Key_Escape);
+    if (!escape) window_->close();
     waitForNoModal();
     EXPECT_TRUE(window_->isVisible()) << escape;
-    EXPECT_EQ(SaveChangesPrompt.dirty, 1);
   }
   whenModal<QMessageBox>([](QMessageBox* box) { QTest::keyClick(box, Qt::Key_N); });
   QTest::keyClick(window_, Qt::Key_Escape);
@@ -129,61 +127,10 @@ TEST_F(MainWindow, EscAndTheCloseBoxAskOnADirtyDocumentAndCancelKeepsIt) {
   EXPECT_EQ(window_->RowCount(), 0) << "the closing window gives its guns back";
 }
 
-TEST_F(MainWindow, AClickAnywhereInARowSelectsItAndBelowTheRowsTheLast) {
-  for (const char* name : {"A", "B", "C"}) EnterGun({{"TypeName", name}});
-  Activate();
-  GunListControl* list = window_->List();
-  for (int column = 0; column < GunListControl::kCells; ++column) {
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, At(column % 2, column));
-    EXPECT_EQ(window_->FirstSelectedRow(), column % 2) << column;
-    EXPECT_EQ(window_->SelectedCount(), 1);
-  }
-  Button("Save")->setFocus();
-  QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, At(3, 2));
-  EXPECT_EQ(window_->FirstSelectedRow(), 2);
-  EXPECT_TRUE(list->hasFocus());
-
-  whenModal<EditGunForm>([](EditGunForm* form) {
-    EXPECT_EQ(form->Field("TypeName")->text(), "B");
-    QTest::keyClick(form, Qt::Key_Escape);
-  });
-  QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, At(1, 3));
-  waitForNoModal();
-  EXPECT_EQ(window_->FirstSelectedRow(), 1);
-  EXPECT_EQ(window_->focusWidget(), list);
-  Activate();
-
-  list->clearSelection();
-  Button("Save")->setFocus();  // the list loses the focus and keeps a row selected
-  EXPECT_EQ(window_->FirstSelectedRow(), 2);
-}
-
-TEST_F(MainWindow, FramesTheSelectedRowWhenItIsWhollyVisible) {
-  for (int row = 0; row < 40; ++row) window_->InsertRow(row, ("Gun " + std::to_string(row)).c_str());
-  GunListControl* list = window_->List();
-  int rowHeight = list->visualItemRect(list->topLevelItem(0)).height();
-  int fitting = list->viewport()->height() / rowHeight;
-  ASSERT_NE(list->viewport()->height() % rowHeight, 0) << "no row is cut at the bottom";
-  auto framed = [&](int row) {
-    list->selectionModel()->select(list->model()->index(row, 0),
-                                   QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-    QImage image = list->viewport()->grab().toImage();
-    QRect frame = list->FrameRect(row);
-    return image.pixelColor(frame.left(), frame.top() + 1) == Qt::black &&
-           image.pixelColor(frame.right(), frame.top() + 1) == Qt::black &&
-           image.pixelColor(frame.left() - 1, frame.top() + 1) != Qt::black;
-  };
-  EXPECT_TRUE(framed(0));
-  EXPECT_TRUE(framed(fitting - 1));
-  EXPECT_FALSE(framed(fitting)) << "the row cut off at the bottom";
-  EXPECT_EQ(list->verticalScrollBar()->value(), 0);
-}
-
-TEST_F(MainWindow, ShowsTheCaptionExactlyAndKeepsTheChoosersFilter) {
+TEST_F(MainWindow, ChoosersKeepTheirFilterAndRefuseAPathTheSystemCannotHold) {
   EnterGun({{"TypeName", "Alpha"}});
   whenModal<QFileDialog>([](QFileDialog* chooser) {
-    EXPECT_EQ(chooser->nameFilters(),
-              (QStringList{"Gun Data Files (*.ini)", "All Files (*)"}));
+    EXPECT_EQ(chooser->nameFilters(), (QStringList{"Gun Data Files (*.ini)", "All Files (*)"}));
     EXPECT_EQ(chooser->directory().absolutePath(), QDir::currentPath());
     EXPECT_EQ(chooser->defaultSuffix(), "ini");
     chooser->selectFile("a[*]");
@@ -191,46 +138,75 @@ TEST_F(MainWindow, ShowsTheCaptionExactlyAndKeepsTheChoosersFilter) {
   });
   Press("Save");
   waitForNoModal();
-  EXPECT_EQ(window_->windowHandle()->title(), "a[*].ini");
-  EXPECT_TRUE(QFileInfo::exists("a[*].ini"));
+  EXPECT_EQ(window_->windowHandle()->title(), "a[*].ini") << "the caption is exactly the title";
   EXPECT_TRUE(QFileInfo::exists("a[*].dat"));
-  EXPECT_EQ(SaveChangesPrompt.dirty, 0);
-
+  writeWholeFile(root_.file("back\\slash.ini"), "[GunData001]\nTypeName=X\n");
   whenModal<QFileDialog>([](QFileDialog* chooser) {
     EXPECT_EQ(chooser->fileMode(), QFileDialog::ExistingFile);
     EXPECT_EQ(chooser->selectedFiles().value(0), QDir::current().absoluteFilePath("a[*].ini"));
     chooser->selectNameFilter("All Files (*)");
-    chooser->selectFile("a[*].ini");
-    QMetaObject::invokeMethod(chooser, "accept");
-  });
-  Press("Open");
-  waitForNoModal();
-  EXPECT_EQ(Rows(), std::vector<std::string>{"Alpha|0.0|0|0"});
-  whenModal<QFileDialog>([](QFileDialog* chooser) {
-    EXPECT_EQ(chooser->selectedNameFilter(), "All Files (*)");
-    chooser->reject();
-  });
-  Press("SaveAs");
-  waitForNoModal();
-  EXPECT_EQ(std::string(DocumentTitle), "a[*].ini");
-}
-
-TEST_F(MainWindow, RefusesAChosenPathThatTheSystemCannotHold) {
-  writeWholeFile(root_.file("back\\slash.ini"), "[GunData001]\nTypeName=X\n");
-  whenModal<QFileDialog>([](QFileDialog* chooser) {
+    chooser->selectFile("back\\slash.ini");
     whenModal<QMessageBox>([](QMessageBox* box) {
       EXPECT_EQ(box->windowTitle(), "ERROR!");
       EXPECT_TRUE(box->text().contains("backslash")) << box->text().toStdString();
       box->accept();
     });
-    chooser->selectFile("back\\slash.ini");
     QMetaObject::invokeMethod(chooser, "accept");
   });
   Press("Open");
   waitForNoModal();
-  EXPECT_EQ(window_->windowHandle()->title(), "Untitled");
-  EXPECT_EQ(DocumentHasPath, 0);
+  EXPECT_EQ(Rows(), Strings{"Alpha|0.0|0|0"});
+  EXPECT_EQ(std::string(DocumentTitle), "a[*].ini");
+  whenModal<QFileDialog>([](QFileDialog* chooser) {
+    EXPECT_EQ(chooser->selectedNameFilter(), "All Files (*)");
+    chooser->reject();
+  });
+  Press("SaveAs");
+}
+
+TEST_F(MainWindow, FormRefusesAmmoWtBeforeCaliberAndFocusesIt) {
+  whenModal<EditGunForm>([](EditGunForm* form) {
+    EXPECT_EQ(form->Field("AmmoWt")->text(), "0");
+    EXPECT_FALSE(form->findChild<QCheckBox*>("AddLight")->isChecked());
+    EXPECT_EQ(form->focusWidget(), form->Field("TypeName"));
+    QTest::keyClicks(form->Field("Caliber"), "abc");
+    QTest::keyClicks(form->Field("AmmoWt"), "12x");
+    expectRefusal("Ammo Wt (g)");
+    click(form->findChild<QWidget*>("OK"));
+    EXPECT_TRUE(form->isVisible());
+    EXPECT_EQ(form->focusWidget(), form->Field("AmmoWt"));
+    QTest::keyClick(form, Qt::Key_Escape);
+  });
+  Press("NewGun");
   EXPECT_EQ(window_->RowCount(), 0);
+}
+
+TEST_F(MainWindow, FormOpensALongNameFromAFileWholeAndRefusesOKUntilItIsShortened) {
+  const std::string type(40, 'T'), full(100, 'F');
+  writeWholeFile(root_.file("long.ini"),
+                 "[GunData001]\nTypeName=" + type + "\nFullName=" + full + "\nAmmoWt=0.1\n");
+  GunFileLoad(window_, systemPath(root_.file("long.ini")).c_str());
+  auto shorten = [](QLineEdit* field, int count) {
+    field->end(false);
+    for (int i = 0; i < count; ++i) QTest::keyClick(field, Qt::Key_Backspace);
+  };
+  whenModal<EditGunForm>([&](EditGunForm* form) {
+    EXPECT_EQ(form->Field("TypeName")->text().toStdString(), type);
+    EXPECT_EQ(form->Field("AmmoWt")->text(), "100");
+    form->Field("TypeName")->end(false);
+    QTest::keyClicks(form->Field("TypeName"), "xy");
+    EXPECT_EQ(form->Field("TypeName")->text().size(), 40) << "typing stops past the limit";
+    expectRefusal("Full Name");
+    click(form->findChild<QWidget*>("OK"));
+    shorten(form->Field("FullName"), 37);
+    expectRefusal("Type Name");
+    click(form->findChild<QWidget*>("OK"));
+    EXPECT_EQ(form->focusWidget(), form->Field("TypeName"));
+    shorten(form->Field("TypeName"), 9);
+    click(form->findChild<QWidget*>("OK"));
+  });
+  Press("EditGun");
+  EXPECT_EQ(Rows(), Strings{std::string(31, 'T') + "|0.0|0|0"});
 }
 
 }  // namespace
