@@ -45,8 +45,7 @@ void whenModal(std::function<void(T*)> act) {
   });
 }
 
-// Clicks the middle of a widget.
-inline void click(QWidget* widget) {
+inline void click(QWidget* widget) {  // in its middle
   QTest::mouseClick(widget, Qt::LeftButton, {}, widget->rect().center());
 }
 

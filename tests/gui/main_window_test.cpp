@@ -1,5 +1,5 @@
-// Both windows driven with real clicks and keys: the gun commands, selection, keys, the frame,
-// the choosers, and the edit form's exchange order and byte limits.
+// Both windows driven with real clicks and keys: the gun commands, selection, keys, the
+// choosers, and the edit form's exchange order and byte limits.
 #include <QCheckBox>
 #include <QFileDialog>
 #include <QHeaderView>

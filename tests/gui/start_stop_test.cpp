@@ -48,6 +48,7 @@ TEST(DialogUnitsTest, ConvertsTemplateUnitsFromTheFontsBases) {
   QFont font(QStringLiteral("DejaVu Sans"));
   font.setPixelSize(11);
   DialogUnits units(font);
+  EXPECT_EQ(QPoint(units.baseX(), units.baseY()), QPoint(7, 13));
   EXPECT_EQ(units.Rect(10, 21, 275, 219), QRect(18, 34, 481, 356));
   EXPECT_EQ(DialogUnits(6, 13).Rect(310, 220, 50, 14), QRect(465, 358, 75, 23));
   GunListDialog window;
