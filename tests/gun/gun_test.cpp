@@ -1,5 +1,5 @@
 // The gun commands and the gun files on a fake window: rows and list in step, exact file bytes,
-// selection, and the failure paths.
+// selection and failure paths (their no-memory paths are the session sweep's).
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -11,7 +11,6 @@
 #include "gun/gun_file.h"
 #include "gun/gun_list.h"
 #include "kernel_fixture.h"
-#include "platform/host_heap.h"
 
 namespace {
 
@@ -120,24 +119,6 @@ TEST_F(GunTest, MovesAndDeletesKeepRowsAndListInStepAndSelectAsDocumented) {
       EXPECT_EQ(window.rows[step.selected][step.unreadableCell], "");
     }
     for (const auto& cells : window.rows) EXPECT_TRUE(cells[0] != "B" || cells[1] == "hand-made");
-  }
-}
-
-TEST_F(GunTest, NoMemoryForARecordOrANodeChangesNothing) {
-  AddGuns({"A", "B"});
-  for (int nth = 1; nth <= 2; nth++) {  // 1: the record, 2: its node
-    std::int64_t blocks = LiveBlocks();
-    AcceptForm("C");
-    hostHeapFailNth(nth);
-    EXPECT_EQ(OnNewGun(&window), 0) << nth;
-    window.SelectRow(0);
-    hostHeapFailNth(nth);
-    EXPECT_EQ(OnCopyGun(&window), 0) << nth;
-    hostHeapFailNth(1);  // the new node of a move
-    EXPECT_EQ(OnMoveDown(&window), 0);
-    EXPECT_EQ(ListNames(), (Names{"A", "B"})) << nth;
-    EXPECT_EQ(window.selected, 0);
-    EXPECT_EQ(LiveBlocks(), blocks) << nth;
   }
 }
 

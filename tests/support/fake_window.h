@@ -20,13 +20,13 @@ class FakeWindow : public ShellWindow {
 
   std::vector<std::array<std::string, 4>> rows;
   int selected = -1;
+  int unreadableCell = -1;  // ReadCell of this cell number fails, as a control's may
   std::vector<std::string> calls;
   std::vector<int> answers;
   std::vector<std::string> choices;  // for both choosers: a backslash path, or "" to cancel
   std::vector<Form> forms;
   std::string caption;
   WindowPlacement placement = {44, 0, 1, 100, 50, 500, 350};
-  int unreadableCell = -1;  // ReadCell of this cell number fails, as a control's may
 
   std::string RowText(int row) const {  // the cells joined by '|'
     const auto& cells = rows.at(row);
@@ -40,10 +40,9 @@ class FakeWindow : public ShellWindow {
   // The recorded calls that begin with one of the prefixes, in order.
   std::vector<std::string> Calls(const std::vector<std::string>& prefixes) const {
     std::vector<std::string> out;
-    for (const auto& call : calls) {
-      auto starts = [&](const std::string& prefix) { return call.rfind(prefix, 0) == 0; };
-      if (std::any_of(prefixes.begin(), prefixes.end(), starts)) out.push_back(call);
-    }
+    std::copy_if(calls.begin(), calls.end(), std::back_inserter(out), [&](const auto& call) {
+      return std::ranges::any_of(prefixes, [&](const auto& p) { return call.starts_with(p); });
+    });
     return out;
   }
 
@@ -51,14 +50,13 @@ class FakeWindow : public ShellWindow {
   int FirstSelectedRow() override { return selected; }
   int RowCount() override { return static_cast<int>(rows.size()); }
   int FindRow(const char* text) override {
-    for (int i = 0; i < RowCount(); ++i) {
-      if (strcasecmp(rows[i][0].c_str(), text) == 0) return i;
-    }
-    return -1;
+    auto same = [&](const auto& cells) { return strcasecmp(cells[0].c_str(), text) == 0; };
+    auto found = std::ranges::find_if(rows, same);
+    return found == rows.end() ? -1 : static_cast<int>(found - rows.begin());
   }
   int ReadCell(int row, int cell, char* buffer) override {
     if (!Has(row) || cell < 0 || cell > 3 || cell == unreadableCell) return 0;
-    Copy(rows[row][cell], buffer, kCellSize);  // cut, as a control does
+    Copy(rows[row][cell], buffer);  // cut, as a control does
     return 1;
   }
   void DeleteRow(int row) override {
@@ -103,8 +101,9 @@ class FakeWindow : public ShellWindow {
 
  private:
   bool Has(int row) const { return row >= 0 && row < static_cast<int>(rows.size()); }
-  static void Copy(const std::string& text, char* buffer, size_t size) {
-    buffer[text.copy(buffer, size - 1)] = '\0';
+  static_assert(kCellSize == kPathSize);
+  static void Copy(const std::string& text, char* buffer) {
+    buffer[text.copy(buffer, kCellSize - 1)] = '\0';
   }
   // Takes the next scripted answer, or fails the test and gives `none`.
   template <typename T>
@@ -118,9 +117,7 @@ class FakeWindow : public ShellWindow {
   int Choose(const std::string& call, char* path, char* title) {
     calls.push_back(call + path);
     std::string chosen = Next(&choices, call + "chooser", std::string());
-    if (chosen.empty()) return 0;
-    Copy(chosen, path, kPathSize);
-    Copy(chosen.substr(chosen.rfind('\\') + 1), title, kPathSize);  // without its directory
-    return 1;
+    if (!chosen.empty()) Copy(chosen, path), Copy(chosen.substr(chosen.rfind('\\') + 1), title);
+    return !chosen.empty();  // the title without its directory
   }
 };
