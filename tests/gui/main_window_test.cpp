@@ -19,8 +19,8 @@ using Strings = std::vector<std::string>;
 
 class MainWindow : public MainWindowTest {
  protected:
-  // Runs New Gun (or the button given) and types the fields into the form before OK.
-  void EnterGun(const std::map<std::string, std::string>& fields, const char* button = "NewGun") {
+  // Runs New Gun and types the fields into the form before OK.
+  void EnterGun(const std::map<std::string, std::string>& fields) {
     whenModal<EditGunForm>([fields](EditGunForm* form) {
       for (const auto& [name, text] : fields) {
         form->Field(name.c_str())->selectAll();
@@ -28,7 +28,7 @@ class MainWindow : public MainWindowTest {
       }
       click(form->findChild<QWidget*>("OK"));
     });
-    Press(button);
+    Press("NewGun");
     waitForNoModal();
   }
   Strings Rows() {  // the cells of each row joined by '|'
