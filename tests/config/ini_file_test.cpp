@@ -166,7 +166,6 @@ TEST_F(IniFileTest, FillsTheViewsAsEachEventSays) {
   const std::string p = "[S]\nk= 3.75 \n";
   struct Row { const char* name; std::string file; Act act; double result; const char* views; };
   const Row rows[] = {
-      {"parsed", p, [](IniFile&) { return 1; }, 1, "3.75:0:3:3.75"},
       {"parsed empty, then blanks", "[S]\nk=\nj=  \n", [](IniFile&) { return 1; }, 1,
        "(null):0:0:0,j=:0:0:0"},
       {"SetInt new", "", on(&IniFile::IniSetInt, -7), 1, "(null):1:-7:-7"},
@@ -220,26 +219,18 @@ TEST_F(IniFileTest, WritesEachKindAndReadsItBackInEitherLocale) {
     ini.IniSetBool("T", "off", 0);
     ASSERT_EQ(ini.IniWrite("out"), 1);
     EXPECT_EQ(readWholeFile("out.INI"), written) << locale;
-
     IniFile back("out", 0, 0);
     EXPECT_EQ(iniPicture(back, true),
               "[S]int=42:0:42:42,float=1.250000:0:1:1.25,tiny=0.000000:0:0:0,"
               "third=0.333333:0:0:0.333333,text=a;b = c:0:0:0,padded=y:0:0:0,empty=(null):0:0:0,"
               "null=(null):0:0:0,color=0.5,0.25,2:0:0:0.5,on=TRUE:0:0:0;[T]off=FALSE:0:0:0;")
         << locale;
-    EXPECT_NE(back.IniGetFloat("S", "third", 0), 1 / 3.0f) << "a neighbouring float";
     char out[8];
     back.IniGetString("S", "null", "default", out, sizeof out, 0);
     EXPECT_STREQ(out, "");
-    EXPECT_EQ(back.IniGetBool("S", "on", 0) - back.IniGetBool("T", "off", 1), 1);
     float color[3];
     EXPECT_EQ(IniGetColor(color, &back, "S", "color"), 1);
     EXPECT_EQ(color[0] + color[1] * 10 + color[2] * 100, 103.0f) << locale;
-    // Written back, the file loses only the blanks that were trimmed.
-    ASSERT_EQ(back.IniWrite(nullptr), 1);
-    std::string normalised = written;
-    normalised.replace(normalised.find("padded= y "), 10, "padded=y");
-    EXPECT_EQ(readWholeFile("out.INI"), normalised) << locale;
   }
 }
 
@@ -273,23 +264,22 @@ TEST_F(IniFileTest, RefusesSetsAtTheFullArenaAndKeepsWhatItHas) {
   }
 }
 
+// Each allocation of a new key in a new section fails in turn.
 TEST_F(IniFileTest, SetsThroughEveryFailedAllocation) {
   TraceCapture trace;
   struct Row { const char* name; int result; const char* picture; std::int64_t kept; } rows[] = {
-      {"the key record", 0, "[S];", 0},          {"the section record", 0, "[S];", 0},
-      {"the section's node", 0, "[S];", 0},      {"the key's node: key lost", 1, "[S];[New];", 2},
-      {"nothing", 1, "[S];[New]q=(null);", 4},
-  };
+      {"the key record", 0, "[S];", 0}, {"the section record", 0, "[S];", 0},
+      {"the section's node", 0, "[S];", 0}, {"the key's node: key lost", 1, "[S];[New];", 2},
+      {"nothing", 1, "[S];[New]q=(null);", 4}};
   writeWholeFile("t.ini", "[S]\n");
   for (std::int64_t n = 1; n <= 5; n++) {
-    const Row& row = rows[n - 1];
     IniFile ini("t.ini", 0, 0);
     std::int64_t before = LiveBlocks();
     hostHeapFailNth(n);
-    EXPECT_EQ(ini.IniSetInt("New", "q", 1), row.result) << row.name;
+    EXPECT_EQ(ini.IniSetInt("New", "q", 1), rows[n - 1].result) << rows[n - 1].name;
     hostHeapFailNth(0);
-    EXPECT_EQ(iniPicture(ini), row.picture) << row.name;
-    EXPECT_EQ(LiveBlocks() - before, row.kept) << row.name;
+    EXPECT_EQ(iniPicture(ini), rows[n - 1].picture) << rows[n - 1].name;
+    EXPECT_EQ(LiveBlocks() - before, rows[n - 1].kept) << rows[n - 1].name;
   }
   EXPECT_TRUE(trace.Has("MSG|Unable to append section New to the list!"));
 }
