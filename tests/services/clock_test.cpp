@@ -67,7 +67,8 @@ TEST_F(ClockTest, TickWaitsForTheFramePeriodAndStoresTheRates) {
 }
 
 TEST_F(ClockTest, DelayCountsFromTheLastTickAndResetStartsAgain) {
-  clock.Init();  // ticked at 1001: elapsed 1
+  timer.now = 1000;  // the kernel's own clock has read the counter too
+  clock.Init();  // started at 1000, ticked at 1001: elapsed 1
   for (std::uint32_t wait : {0u, 5u, 30u}) {  // 20 ms after the tick: at once, or the rest
     timer.now = 1000 + 1 + 20;
     clock.Delay(wait);

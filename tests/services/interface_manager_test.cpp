@@ -20,6 +20,7 @@ class InterfaceManagerTest : public KernelTest {
   void SetUp() override {
     KernelTest::SetUp();
     manager.Init();
+    traces.emplace();
   }
   void TearDown() override {
     manager.Shutdown();
@@ -34,7 +35,6 @@ class InterfaceManagerTest : public KernelTest {
 };
 
 TEST_F(InterfaceManagerTest, RegistersEachNameOnceByCaseAndNothingWithoutMemory) {
-  traces.emplace();
   const std::int64_t blocks = LiveBlocks();
   for (int nth = 1; nth <= 3; nth++) {  // no memory for the entry, its name or its node
     hostHeapFailNth(nth);
@@ -58,7 +58,6 @@ TEST_F(InterfaceManagerTest, RegistersEachNameOnceByCaseAndNothingWithoutMemory)
 // Shutdown names only the entries still referenced. An owner's library may go while none of
 // its entries is referenced.
 TEST_F(InterfaceManagerTest, CountsReferencesPerNameAndOwner) {
-  traces.emplace();
   void *held = nullptr, *other = &serviceB;
   for (const char* name : {"CLK", "AAA", "BBB", "ZERO", "LOW"}) {
     manager.Register(name, &serviceA, name[0] == 'C' ? 5 : 0);
