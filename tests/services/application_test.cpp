@@ -71,7 +71,8 @@ TEST(Application, PumpsMessagesAndSwitchesStateOnlyOnAChange) {
       {1, 0, {99}, 1, "peek,dispatch 99,peek,"},
       {0, 2, {99}, 1, "get,dispatch 99,focus,activate,show 3,update,no cursor,count 1,count 0,"
                       "count -1,peek,"},
-      {1, -3, {98, 98}, 1, "peek,dispatch 98,show 6,arrow,count -2,count -1,count 0,get,dispatch 98,get,"},
+      {1, -3, {98, 98}, 1,
+       "peek,dispatch 98,show 6,arrow,count -2,count -1,count 0,get,dispatch 98,get,"},
   };
   for (const auto& row : rows) {
     app.active = row.active;
