@@ -7,10 +7,10 @@
 #include <filesystem>
 #include <functional>
 #include <set>
-#include <sstream>
 #include <string>
 
 #include "comma_locale.h"
+#include "ini_picture.h"
 #include "files/file_manager.h"
 #include "kernel_fixture.h"
 #include "packed_catalog.h"
@@ -36,26 +36,6 @@ class IniFileTest : public KernelTest {
   TempDir dir_;
   std::filesystem::path previous_ = std::filesystem::current_path();
 };
-
-// "[name]k=v,k2=(null);[name2]..." in list order, without moving a cursor. The object's own
-// strings show as (empty), (true), (false); `views` adds ":type:int:float" to each value.
-std::string iniPicture(const IniFile& ini, bool views = false) {
-  std::ostringstream out;
-  for (CursorNode* s = ini.sections.head; s; s = s->next) {
-    auto* section = static_cast<IniSection*>(s->payload);
-    out << "[" << section->name << "]";
-    for (CursorNode* k = section->keys.head; k; k = k->next) {
-      auto* key = static_cast<IniKey*>(k->payload);
-      const char* v = key->stringValue;
-      out << (k == section->keys.head ? "" : ",") << key->name << "="
-          << (!v ? "(null)" : v == ini.emptyString ? "(empty)" : v == ini.trueString ? "(true)"
-              : v == ini.falseString ? "(false)" : v);
-      if (views) out << ":" << key->type << ":" << key->intValue << ":" << key->floatValue;
-    }
-    out << ";";
-  }
-  return out.str();
-}
 
 TEST_F(IniFileTest, ReadsTheDialect) {
   struct Case { const char* name; std::string text; const char* picture; int result; } cases[] = {
@@ -131,8 +111,9 @@ TEST_F(IniFileTest, CutsTextAtTheArenasEnd) {
   }
 }
 
-// Each allocation of a parse fails in turn: a documented outcome, and no block left behind.
-TEST_F(IniFileTest, ParsesThroughEveryFailedAllocation) {
+// Each allocation of a parse and a set of a new key in a new section fails in turn: a
+// documented outcome, and no block left behind.
+TEST_F(IniFileTest, ParsesAndSetsThroughEveryFailedAllocation) {
   TraceCapture trace;
   writeWholeFile("main.ini", "[S]\nk=1\nj=2\n#include sub.ini\n[T]\nm=3\n");
   writeWholeFile("sub.ini", "[U]\nx=1\n");
@@ -140,19 +121,32 @@ TEST_F(IniFileTest, ParsesThroughEveryFailedAllocation) {
   for (std::int64_t n = 1;; n++) {
     std::int64_t before = LiveBlocks();
     hostHeapFailNth(n);
-    outcomes.insert(iniPicture(IniFile("main.ini", 0, 0)));
+    {
+      IniFile ini("main.ini", 0, 0);
+      std::string result = std::to_string(ini.IniSetInt("New", "q", 1));
+      outcomes.insert(result + iniPicture(ini));
+    }
     bool fired = hostHeapFailPending() == 0;
     hostHeapFailNth(0);
     ASSERT_EQ(LiveBlocks(), before) << n;
     if (!fired) break;
   }
-  // All (or a string failed); no arena; a key's, a section's, the include's record or node.
-  EXPECT_EQ(outcomes, (std::set<std::string>{
-      "[S]k=1,j=2;[T]m=3;[U]x=1;", "", "[S]j=2;[T]m=3;[U]x=1;", "[S]k=1;[T]m=3;[U]x=1;",
-      "[T]m=3;[U]x=1;", "[S]k=1,j=2;[U]x=1;", "[S]k=1,j=2;[T];[U]x=1;", "[S]k=1,j=2;[T]m=3;",
-      "[S]k=1,j=2;[T]m=3;[U];"}));
+  // No arena; the new key's or section's record or the section's node; the key's node, which
+  // loses the key but keeps its section.
+  const std::string all = "[S]k=1,j=2;[T]m=3;[U]x=1;";
+  std::set<std::string> expected = {"0", "0" + all, "1" + all + "[New];"};
+  // All (or a string failed); the file unread; a key's, a section's, the include's record or
+  // node.
+  for (const char* parsed : {all.c_str(), "", "[S]j=2;[T]m=3;[U]x=1;", "[S]k=1;[T]m=3;[U]x=1;",
+                             "[T]m=3;[U]x=1;", "[S]k=1,j=2;[U]x=1;", "[S]k=1,j=2;[T];[U]x=1;",
+                             "[S]k=1,j=2;[T]m=3;", "[S]k=1,j=2;[T]m=3;[U];"}) {
+    expected.insert("1" + std::string(parsed) + "[New]q=(null);");
+  }
+  EXPECT_EQ(outcomes, expected);
   EXPECT_TRUE(trace.Has("MSG|Deleting duplicate key k from .\\main.ini..."));
-  EXPECT_TRUE(trace.Has("MSG|Unable to append section U to the list, file sub.ini!"));
+  for (const char* list : {"section U to the list, file sub.ini!", "section New to the list!"}) {
+    EXPECT_TRUE(trace.Has("MSG|Unable to append " + std::string(list))) << list;
+  }
 }
 
 // One operation on key S/k with a last argument.
@@ -166,7 +160,6 @@ TEST_F(IniFileTest, FillsTheViewsAsEachEventSays) {
   const std::string p = "[S]\nk= 3.75 \n";
   struct Row { const char* name; std::string file; Act act; double result; const char* views; };
   const Row rows[] = {
-      {"parsed", p, [](IniFile&) { return 1; }, 1, "3.75:0:3:3.75"},
       {"parsed empty, then blanks", "[S]\nk=\nj=  \n", [](IniFile&) { return 1; }, 1,
        "(null):0:0:0,j=:0:0:0"},
       {"SetInt new", "", on(&IniFile::IniSetInt, -7), 1, "(null):1:-7:-7"},
@@ -220,43 +213,34 @@ TEST_F(IniFileTest, WritesEachKindAndReadsItBackInEitherLocale) {
     ini.IniSetBool("T", "off", 0);
     ASSERT_EQ(ini.IniWrite("out"), 1);
     EXPECT_EQ(readWholeFile("out.INI"), written) << locale;
-
     IniFile back("out", 0, 0);
     EXPECT_EQ(iniPicture(back, true),
               "[S]int=42:0:42:42,float=1.250000:0:1:1.25,tiny=0.000000:0:0:0,"
               "third=0.333333:0:0:0.333333,text=a;b = c:0:0:0,padded=y:0:0:0,empty=(null):0:0:0,"
               "null=(null):0:0:0,color=0.5,0.25,2:0:0:0.5,on=TRUE:0:0:0;[T]off=FALSE:0:0:0;")
         << locale;
-    EXPECT_NE(back.IniGetFloat("S", "third", 0), 1 / 3.0f) << "a neighbouring float";
     char out[8];
     back.IniGetString("S", "null", "default", out, sizeof out, 0);
     EXPECT_STREQ(out, "");
-    EXPECT_EQ(back.IniGetBool("S", "on", 0) - back.IniGetBool("T", "off", 1), 1);
     float color[3];
     EXPECT_EQ(IniGetColor(color, &back, "S", "color"), 1);
     EXPECT_EQ(color[0] + color[1] * 10 + color[2] * 100, 103.0f) << locale;
-    // Written back, the file loses only the blanks that were trimmed.
-    ASSERT_EQ(back.IniWrite(nullptr), 1);
-    std::string normalised = written;
-    normalised.replace(normalised.find("padded= y "), 10, "padded=y");
-    EXPECT_EQ(readWholeFile("out.INI"), normalised) << locale;
   }
 }
 
 // With `room` bytes left, a set that needs more reports 0, traced, and changes nothing.
 TEST_F(IniFileTest, RefusesSetsAtTheFullArenaAndKeepsWhatItHas) {
   TraceCapture trace;
-  struct Row { const char* name; std::int32_t room; Act set; const char* traced; } rows[] = {
-      {"value fits, name doesn't", 6, [](IniFile& i) { return i.IniSetString("S", "k2", "abcd"); },
-       "key name k2"},
-      {"string value", 1, [](IniFile& i) { return i.IniSetString("S", "n", "x"); }, "x"},
-      {"int name", 1, [](IniFile& i) { return i.IniSetInt("S", "k3", 1); }, "k3"},
-      {"bool name", 1, [](IniFile& i) { return i.IniSetBool("S", "k4", 1); }, "key name k4"},
-      {"section name", 5, [](IniFile& i) { return i.IniSetInt("New", "q", 1); }, "New"},
-      {"a shorter name fits", 5, [](IniFile& i) { return i.IniSetInt("S", "q", 1); }, nullptr},
-      {"bool over a key", 1, [](IniFile& i) { return i.IniSetBool("s", "N", 1); }, nullptr},
+  const struct { std::int32_t room; char kind; const char *section, *key, *value, *traced; } rows[] = {
+      {6, 's', "S", "k2", "abcd", "key name k2"},  // the value fits, the name doesn't
+      {1, 's', "S", "n", "x", "x"},
+      {1, 'i', "S", "k3", "", "k3"},
+      {1, 'b', "S", "k4", "", "key name k4"},
+      {5, 'i', "New", "q", "", "New"},
+      {5, 'i', "S", "q", "", nullptr},  // a shorter name fits
+      {1, 'b', "s", "N", "", nullptr},  // over a key
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     IniFile ini(nullptr, 0, 1);
     ASSERT_EQ(ini.IniSetString("S", "fill", "x") + ini.IniSetInt("S", "n", 1), 2);
     std::string fill(ini.pool.FreeSpace() - row.room - 1, 'f');
@@ -264,34 +248,16 @@ TEST_F(IniFileTest, RefusesSetsAtTheFullArenaAndKeepsWhatItHas) {
     ASSERT_EQ(ini.pool.FreeSpace(), row.room);
     std::string before = iniPicture(ini, true);
     std::int64_t blocks = LiveBlocks();
-    EXPECT_EQ(row.set(ini), row.traced ? 0 : 1) << row.name;
+    int result = row.kind == 's'   ? ini.IniSetString(row.section, row.key, row.value)
+                 : row.kind == 'i' ? ini.IniSetInt(row.section, row.key, 1)
+                                   : ini.IniSetBool(row.section, row.key, 1);
+    EXPECT_EQ(result, row.traced ? 0 : 1) << row.key;
     if (!row.traced) continue;
     EXPECT_TRUE(trace.Has("MSG|Unable to append string " + std::string(row.traced) +
-                          " to the buffer!")) << row.name;
-    EXPECT_TRUE(iniPicture(ini, true) == before) << row.name;
-    EXPECT_EQ(LiveBlocks(), blocks) << row.name;
+                          " to the buffer!")) << row.key;
+    EXPECT_EQ(iniPicture(ini, true), before) << row.key;
+    EXPECT_EQ(LiveBlocks(), blocks) << row.key;
   }
-}
-
-TEST_F(IniFileTest, SetsThroughEveryFailedAllocation) {
-  TraceCapture trace;
-  struct Row { const char* name; int result; const char* picture; std::int64_t kept; } rows[] = {
-      {"the key record", 0, "[S];", 0},          {"the section record", 0, "[S];", 0},
-      {"the section's node", 0, "[S];", 0},      {"the key's node: key lost", 1, "[S];[New];", 2},
-      {"nothing", 1, "[S];[New]q=(null);", 4},
-  };
-  writeWholeFile("t.ini", "[S]\n");
-  for (std::int64_t n = 1; n <= 5; n++) {
-    const Row& row = rows[n - 1];
-    IniFile ini("t.ini", 0, 0);
-    std::int64_t before = LiveBlocks();
-    hostHeapFailNth(n);
-    EXPECT_EQ(ini.IniSetInt("New", "q", 1), row.result) << row.name;
-    hostHeapFailNth(0);
-    EXPECT_EQ(iniPicture(ini), row.picture) << row.name;
-    EXPECT_EQ(LiveBlocks() - before, row.kept) << row.name;
-  }
-  EXPECT_TRUE(trace.Has("MSG|Unable to append section New to the list!"));
 }
 
 }  // namespace

@@ -3,17 +3,14 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <optional>
 #include <random>
-#include <sstream>
 #include <string>
 #include <vector>
 
-#include "base/cursor_list.h"
 #include "config/ini_file.h"
+#include "ini_picture.h"
 #include "kernel_fixture.h"
 #include "platform/host_heap.h"
 
@@ -28,59 +25,35 @@ class NameIndexTest : public KernelTest {
   const std::int32_t kDefaultLimit = NameIndex::WalkLimit();
 };
 
-struct Named {
-  const char* name;
-};
-
-// The position of the list's cursor (-1 for a null cursor), then its index.
-void addCursor(const CursorList& list, std::vector<std::int32_t>* out) {
-  std::int32_t position = -1, at = 0;
-  for (CursorNode* n = list.head; n; n = n->next, at++) {
-    if (n == list.current) position = at;
-  }
-  out->push_back(position);
-  out->push_back(list.index);
-}
-
-std::string cursorOf(const CursorList& list) {
-  std::vector<std::int32_t> cursor;
-  addCursor(list, &cursor);
-  return std::to_string(cursor[0]) + "/" + std::to_string(cursor[1]);
-}
-
-// The same names in an indexed list and a walked one; every lookup agrees in result and cursor.
-// A failed table allocation leaves the walk, and the next Append builds the table again.
+// The same names in an indexed list and a walked one, duplicates and empty names among them;
+// every lookup agrees in result and cursor. A failed table allocation leaves the walk, and the
+// next Append builds the table again.
 TEST_F(NameIndexTest, FindsWhereTheWalkEndsWithDuplicatesEmptyNamesAndNoMemory) {
   NameIndex::SetWalkLimit(2);
-  std::vector<Named> names;
-  for (int i = 0; i < 60; i++) names.push_back({i % 7 == 3 ? "" : i % 5 == 0 ? "dup" : nullptr});
-  std::vector<std::string> own(names.size());
-  for (std::size_t i = 0; i < names.size(); i++) {
-    own[i] = "n" + std::to_string(i);
-    if (!names[i].name) names[i].name = own[i].c_str();
-  }
-  const char* asked[] = {"DUP", "n1", "N59", "n58", "", "absent", nullptr, "n2", "dup", "n30"};
+  std::vector<std::string> names(60);
+  std::vector<const char*> payloads(60);  // a payload begins with a pointer to its name
   CursorList indexed, walked;
   NameIndex index;
   int tablesRefused = 0;
-  for (std::size_t i = 0; i < names.size(); i++) {
+  for (int i = 0; i < 60; i++) {
+    names[i] = i % 7 == 3 ? "" : i % 5 == 0 ? "dup" : "n" + std::to_string(i);
+    payloads[i] = names[i].c_str();
     // The second allocation of an Append is a table: the first, a rebuilt one or a larger one.
     bool refuseTable = i == 3 || (i >= 30 && i < 46);
-    if (refuseTable) hostHeapFailNth(2);
-    ASSERT_EQ(index.Append(&indexed, &names[i]), 1);
+    hostHeapFailNth(refuseTable ? 2 : 0);
+    ASSERT_EQ(index.Append(&indexed, &payloads[i]), 1);
     tablesRefused += refuseTable && hostHeapFailPending() == 0;
     hostHeapFailNth(0);
-    ASSERT_EQ(walked.Append(&names[i]), 1);
-    for (const char* name : asked) {
+    ASSERT_EQ(walked.Append(&payloads[i]), 1);
+    for (const char* name : {"DUP", "n1", "N59", "n58", "", "absent", "n2", "dup", "n30"}) {
       ASSERT_EQ(index.Find(&indexed, name), walked.FindByName(name)) << i << " " << name;
-      ASSERT_EQ(cursorOf(indexed), cursorOf(walked)) << i << " " << (name ? name : "(null)");
+      ASSERT_EQ(cursorOf(indexed), cursorOf(walked)) << i << " " << name;
     }
   }
   EXPECT_GE(tablesRefused, 2);
   hostHeapFailNth(1);
-  EXPECT_EQ(index.Append(&indexed, &names[0]), 0);  // no node: list and index unchanged
-  EXPECT_EQ(indexed.count, 60);
-  EXPECT_EQ(index.Find(&indexed, "n58"), 1);
+  EXPECT_EQ(index.Append(&indexed, &payloads[0]), 0);  // no node: list and index unchanged
+  EXPECT_EQ(index.Find(&indexed, "n58") + indexed.count, 61);
   EXPECT_EQ(cursorOf(indexed), "58/58");
   index.Clear();
   indexed.Clear();
@@ -89,61 +62,33 @@ TEST_F(NameIndexTest, FindsWhereTheWalkEndsWithDuplicatesEmptyNamesAndNoMemory) 
 
 // ---- Differential run on IniFile: tables everywhere against the plain walk ----
 
-const char* const kSectionNames[] = {"S1", "s1", "S2", "GunData001", "gundata001", "GunData002",
-                                     "GunData003", "T", " S1", ""};
-const char* const kFormats[] = {"S%d", "s%d", "GunData%03d", "k%d", "x"};
-
-// The cursors of every list of the object.
-std::vector<std::int32_t> cursors(const IniFile& ini) {
-  std::vector<std::int32_t> out;
-  addCursor(ini.sections, &out);
-  for (CursorNode* s = ini.sections.head; s; s = s->next) {
-    addCursor(static_cast<IniSection*>(s->payload)->keys, &out);
-  }
-  return out;
-}
-
-// The whole state of the object that a lookup may change or that a write shows: every section
-// and key with its views, and each list's cursor.
+// The whole state of the object that a lookup may change or that a write shows.
 std::string state(const IniFile& ini) {
-  std::ostringstream out;
-  out << "sections " << cursorOf(ini.sections) << " pool " << (ini.pool.top - ini.pool.base);
-  for (CursorNode* s = ini.sections.head; s; s = s->next) {
-    auto* section = static_cast<IniSection*>(s->payload);
-    out << "\n[" << section->name << "] " << cursorOf(section->keys);
-    for (CursorNode* k = section->keys.head; k; k = k->next) {
-      auto* key = static_cast<IniKey*>(k->payload);
-      const char* v = key->stringValue;
-      std::uint32_t bits;
-      std::memcpy(&bits, &key->floatValue, sizeof bits);
-      out << " " << key->name << "=" << (v ? v : "(null)") << ":" << key->type << ":"
-          << key->intValue << ":" << bits;
-    }
-  }
-  return out.str();
+  return iniPicture(ini, true, true) + " pool " + std::to_string(ini.pool.top - ini.pool.base);
 }
 
 class RandomInput {
  public:
   explicit RandomInput(std::uint32_t seed) : random_(seed) {}
   int Below(int n) { return static_cast<int>(random_() % static_cast<std::uint32_t>(n)); }
+  std::string Pick(std::initializer_list<const char*> words) {
+    return words.begin()[Below(static_cast<int>(words.size()))];
+  }
   std::string Section() {
-    return Below(3) ? "S" + std::to_string(Below(40)) : kSectionNames[Below(10)];
+    return Below(3) ? "S" + std::to_string(Below(40))
+                    : Pick({"S1", "s1", "GunData001", "gundata001", "GunData002", "T", " S1", ""});
   }
   std::string Key() {
-    static const char* const special[] = {"a", "A", " a ", "", "KEY", "key", "=", ";c"};
-    return Below(4) ? "k" + std::to_string(Below(40)) : special[Below(8)];
+    return Below(4) ? "k" + std::to_string(Below(40))
+                    : Pick({"a", "A", " a ", "", "KEY", "key", "=", ";c"});
   }
   std::string Value() {
-    static const char* const values[] = {"", "12", " -7.5 ", "TRUE", "false", "0.25,1,3",
-                                         "x y", "1e3", "abc"};
-    return values[Below(9)];
+    return Pick({"", "12", " -7.5 ", "TRUE", "false", "0.25,1,3", "x y", "1e3", "abc"});
   }
   // Lines of every kind, with CR LF or LF ends and an include of `include` now and then.
   std::string File(const std::string& include) {
     std::string text;
-    int lines = Below(120);
-    for (int i = 0; i < lines; i++) {
+    for (int i = Below(120); i > 0; i--) {
       int kind = Below(20);
       if (kind < 3) text += "[" + Section() + (Below(8) ? "]" : "] x");
       else if (kind < 15) text += Key() + (Below(3) ? "=" : " = ") + Value();
@@ -160,82 +105,72 @@ class RandomInput {
 };
 
 // One random operation on `ini`; what it gives, as text.
-std::string operate(IniFile& ini, int op, const std::string& section,
-                    const std::string& key, const std::string& value, int number) {
-  const char* s = section.c_str();
-  const char* k = key.c_str();
-  const char* v = number % 5 == 0 ? nullptr : value.c_str();
+std::string operate(IniFile& ini, int op, const std::string& section, const std::string& key,
+                    const std::string& value, int number) {
+  const char *s = section.c_str(), *k = key.c_str(), *v = number % 5 ? value.c_str() : nullptr;
+  static const char* const formats[] = {"S%d", "s%d", "GunData%03d", "k%d", "x"};
+  char out[24] = "untouched";
+  float color[3] = {-1, -1, -1};
   switch (op) {
     case 0: return std::to_string(ini.IniGetInt(s, k, number));
     case 1: return std::to_string(ini.IniGetFloat(s, k, static_cast<float>(number) / 4));
-    case 2: {
-      char out[24] = "untouched";
-      int size = number % 25;
-      ini.IniGetString(s, k, v ? v : "d", number % 7 ? out : nullptr, size, number % 3);
+    case 2:
+      ini.IniGetString(s, k, v ? v : "d", number % 7 ? out : nullptr, number % 25, number % 3);
       return out;
-    }
     case 3: return std::to_string(ini.IniGetBool(s, k, number % 3 - 1));
     case 4: {
-      float color[3] = {-1, -1, -1};
       int read = IniGetColor(color, &ini, s, k);
-      return std::to_string(read) + std::to_string(color[0] + color[1] + color[2]);
+      return std::to_string(read) + " " + std::to_string(color[0] + color[1] + color[2]);
     }
     case 5: return std::to_string(ini.IniSetInt(s, k, number));
     case 6: return std::to_string(ini.IniSetFloat(s, k, static_cast<float>(number) / 8));
     case 7: return std::to_string(ini.IniSetString(s, k, v));
     case 8: return std::to_string(ini.IniSetBool(s, k, number % 2));
-    case 9: return std::to_string(ini.IniCountSections(kFormats[number % 5]));
-    default: {  // a user walking the lists leaves their cursors anywhere
+    case 9: return std::to_string(ini.IniCountSections(formats[number % 5]));
+    default:  // a user walking the lists leaves their cursors anywhere
       ini.sections.MoveToIndex(number % 45 - 2);
       if (ini.sections.current) {
         static_cast<IniSection*>(ini.sections.current->payload)->keys.MoveToIndex(number % 45);
       }
       return "moved";
-    }
   }
 }
 
 TEST_F(NameIndexTest, IniFileMatchesThePlainWalkOverRandomSequences) {
   TempDir dir;
-  constexpr int kSequences = 10000;
-  constexpr std::int32_t kWalk = INT32_MAX;
-  for (std::uint32_t seed = 1; seed <= kSequences; seed++) {
+  for (std::uint32_t seed = 1; seed <= 10000; seed++) {
     // New names each round: rewriting one file over and over makes the file system flush it.
-    const std::string round = std::to_string(seed);
-    const std::string main = dir.file("main" + round + ".ini"), include = dir.file("inc" + round);
-    const std::string writtenA = dir.file("a" + round), writtenB = dir.file("b" + round);
+    const std::string round = std::to_string(seed), main = dir.file("main" + round + ".ini");
+    const std::string include = dir.file("inc" + round), written[] = {dir.file("a" + round),
+                                                                       dir.file("b" + round)};
     RandomInput in(seed);
     writeWholeFile(main, in.File(systemPath(include)));
     // Now and then the include reads the main file again: a cycle that the full arena ends.
     writeWholeFile(include, in.File(in.Below(50) ? "" : systemPath(main)));
-    std::int32_t limit = in.Below(4);  // 0 to 3: tables from the first node or soon after
-    int autoWrite = in.Below(3) == 0;
-    int skipReading = in.Below(8) == 0;
-    // The limit counts when a list grows, so each object's operations run under its own.
-    std::optional<IniFile> a, b;
-    NameIndex::SetWalkLimit(limit);
-    a.emplace(systemPath(main).c_str(), autoWrite, skipReading);
-    NameIndex::SetWalkLimit(kWalk);
-    b.emplace(systemPath(main).c_str(), autoWrite, skipReading);
-    ASSERT_EQ(state(*a), state(*b)) << "seed " << seed << " after the parse";
-    int ops = in.Below(60);
-    for (int i = 0; i < ops; i++) {
-      int op = in.Below(11);
-      std::string section = in.Section(), key = in.Key(), value = in.Value();
-      int number = in.Below(1000);
-      NameIndex::SetWalkLimit(limit);
-      std::string gotA = operate(*a, op, section, key, value, number);
-      NameIndex::SetWalkLimit(kWalk);
-      std::string gotB = operate(*b, op, section, key, value, number);
-      ASSERT_EQ(gotA, gotB) << "seed " << seed << " op " << i << " kind " << op;
-      ASSERT_EQ(cursors(*a), cursors(*b)) << "seed " << seed << " op " << i << " kind " << op;
+    // Tables from the first node or soon after, against none. The limit counts when a list
+    // grows, so each object's operations run under its own.
+    const std::int32_t limits[] = {in.Below(4), INT32_MAX};
+    const int autoWrite = in.Below(3) == 0, skipReading = in.Below(8) == 0;
+    std::optional<IniFile> ini[2];
+    for (int i = 0; i < 2; i++) {
+      NameIndex::SetWalkLimit(limits[i]);
+      ini[i].emplace(systemPath(main).c_str(), autoWrite, skipReading);
     }
-    ASSERT_EQ(state(*a), state(*b)) << "seed " << seed << " after " << ops << " operations";
-    ASSERT_EQ(a->IniWrite(systemPath(writtenA).c_str()), 1);
-    ASSERT_EQ(b->IniWrite(systemPath(writtenB).c_str()), 1);
-    ASSERT_EQ(readWholeFile(writtenA + ".INI"), readWholeFile(writtenB + ".INI")) << seed;
-    ASSERT_EQ(state(*a), state(*b)) << "seed " << seed << " after the write";
-    for (const std::string& name : {main, include, writtenA + ".INI", writtenB + ".INI"}) {
+    ASSERT_EQ(state(*ini[0]), state(*ini[1])) << "seed " << seed << " after the parse";
+    for (int n = in.Below(60), i = 0; i < n; i++) {
+      int op = in.Below(11), number = in.Below(1000);
+      std::string section = in.Section(), key = in.Key(), value = in.Value(), got[2];
+      for (int j = 0; j < 2; j++) {
+        NameIndex::SetWalkLimit(limits[j]);
+        got[j] = operate(*ini[j], op, section, key, value, number);
+        got[j] += "\n" + state(*ini[j]);  // after the operation
+      }
+      ASSERT_EQ(got[0], got[1]) << "seed " << seed << " op " << i << " kind " << op;
+    }
+    for (int j = 0; j < 2; j++) ASSERT_EQ(ini[j]->IniWrite(systemPath(written[j]).c_str()), 1);
+    ASSERT_EQ(readWholeFile(written[0] + ".INI"), readWholeFile(written[1] + ".INI")) << seed;
+    ASSERT_EQ(state(*ini[0]), state(*ini[1])) << "seed " << seed << " after the write";
+    for (const std::string& name : {main, include, written[0] + ".INI", written[1] + ".INI"}) {
       std::remove(name.c_str());
     }
   }
