@@ -190,8 +190,9 @@ int IniFile::ParseOneFile(const char* name, CursorList* pending) {
   if (count > room) count = room;
   if (count > 0) {
     pool.Advance(count + 1);
-    // A read that fills the arena may have left text behind.
-    if (cutLines(text, text + count) || count == room) irregularLines++;
+    // Text behind a zero byte is no lines; a read that filled the arena lost its last byte to
+    // the terminator, which cuts it the same way.
+    if (cutLines(text, text + count)) irregularLines++;
     // An empty first line means the file begins with a line end: it yields nothing.
     if (pool.MoveTo(text)) {
       while (pool.HasMore()) {

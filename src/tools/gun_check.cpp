@@ -325,16 +325,16 @@ bool GunTextIsPlain(const IniFile& ini) {
     char expected[kGunSectionNameSize];
     GunSectionName(expected, ++number);
     if (std::strcmp(section->name, expected) != 0) return false;
-    std::uint32_t seen = 0;
-    std::size_t next = 0;  // keys mostly come in the save's order
+    // Keys mostly come in the save's order. The parse keeps one key of a name in any case, so
+    // an exact match is a key's only one.
+    std::size_t next = 0;
     for (const CursorNode* item = section->keys.head; item; item = item->next) {
       const auto* key = static_cast<const IniKey*>(item->payload);
       std::size_t tried = 0;
       for (; tried < keyCount; tried++, next = (next + 1) % keyCount) {
         if (std::strcmp(key->name, kGunKeys[next].name) == 0) break;
       }
-      if (tried == keyCount || (seen & (1u << next)) != 0) return false;
-      seen |= 1u << next;
+      if (tried == keyCount) return false;
       valueChanges(kGunKeys[next], key->stringValue ? key->stringValue : "", &changes);
       if (!changes.empty()) return false;
       next = (next + 1) % keyCount;
