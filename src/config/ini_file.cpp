@@ -29,11 +29,12 @@ void deleteSection(IniSection* section) {
   memFree(section);
 }
 
-// Each CR and each LF ends a line by itself; the text ends at its first zero byte.
-void cutLines(char* text) {
+// Each CR and each LF ends a line by itself; the text ends at its first zero byte. True when
+// that byte comes before `end`, so that text behind it is not cut into lines.
+bool cutLines(char* text, const char* end) {
   for (char* p = text;;) {
     p += std::strcspn(p, "\r\n");
-    if (*p == '\0') return;
+    if (*p == '\0') return p < end;
     *p++ = '\0';
   }
 }
@@ -94,23 +95,31 @@ IniKey* IniKey::Make(char* name, char* text) {
   return key;
 }
 
-void IniSection::IniParseKeys(StringPool* pool, const char* fileName) {
+std::int32_t IniSection::IniParseKeys(StringPool* pool, const char* fileName) {
+  std::int32_t passedOver = 0;
   while (pool->HasMore()) {
     char* line = pool->CurrentString();
-    if (line[0] == '[' || line[0] == '#') return;
+    if (line[0] == '[' || line[0] == '#') break;
     pool->MoveNext();
     if (line[0] == '\0' || line[0] == ';') continue;
     char* equals = std::strchr(line, '=');
-    if (!equals) continue;
-    *equals = '\0';
-    IniKey* key = IniKey::Make(line, equals + 1);
-    if (!key) continue;
+    IniKey* key = nullptr;
+    if (equals) {
+      *equals = '\0';
+      key = IniKey::Make(line, equals + 1);
+    }
+    if (!key) {
+      passedOver++;
+      continue;
+    }
     // A key whose node can't be had is dropped with the same words as a duplicate.
     if (keyIndex.Find(&keys, key->name) || !keyIndex.Append(&keys, key)) {
       dbgTrace("Deleting duplicate key %s from %s...", key->name, fileName);
       memFree(key);
+      passedOver++;
     }
   }
+  return passedOver;
 }
 
 void IniSection::IniSectionClear() {
@@ -181,14 +190,20 @@ int IniFile::ParseOneFile(const char* name, CursorList* pending) {
   if (count > room) count = room;
   if (count > 0) {
     pool.Advance(count + 1);
-    cutLines(text);
+    // Text behind a zero byte is no lines; a read that filled the arena lost its last byte to
+    // the terminator, which cuts it the same way.
+    if (cutLines(text, text + count)) irregularLines++;
     // An empty first line means the file begins with a line end: it yields nothing.
     if (pool.MoveTo(text)) {
       while (pool.HasMore()) {
         char* line = pool.CurrentString();
         pool.MoveNext();
-        if (line[0] == '[') ReadSectionHeader(line, name);
-        else if (line[0] == '#') readDirective(line, &includes);
+        if (line[0] == '[') {
+          ReadSectionHeader(line, name);
+          continue;
+        }
+        if (line[0] == '#') readDirective(line, &includes);
+        if (line[0] != '\0' && line[0] != ';') irregularLines++;
       }
       result = 1;
     }
@@ -206,18 +221,21 @@ void IniFile::ReadSectionHeader(char* line, const char* parsedFile) {
     // The first section of a name wins whole; the key lines of this one are read as lines
     // outside a section, which is to say ignored.
     dbgTrace("Deleting duplicate section %s from %s...", name, parsedFile);
+    irregularLines++;
     return;
   }
   IniSection* section = newSection(name);
   if (!section) {
+    irregularLines++;
     // Without a record the section's key lines have nowhere to go: pass over them.
     while (pool.HasMore() && pool.CurrentString()[0] != '[' && pool.CurrentString()[0] != '#') {
       pool.MoveNext();
     }
     return;
   }
-  section->IniParseKeys(&pool, fileName);
+  irregularLines += section->IniParseKeys(&pool, fileName);
   if (!sectionIndex.Append(&sections, section)) {
+    irregularLines++;
     dbgTrace("Unable to append section %s to the list, file %s!", name, parsedFile);
     deleteSection(section);
   }

@@ -39,8 +39,9 @@ struct IniSection {
   // Reads key lines from the pool's cursor on, until the pool ends or a line that begins with
   // `[` or `#`, where the cursor is left. The first key of a name wins; a later one is traced
   // as a duplicate of `fileName` and dropped, as is a key whose node can't be had. A line whose
-  // record can't be had is skipped.
-  void IniParseKeys(StringPool* pool, const char* fileName);
+  // record can't be had is skipped. Returns the number of lines passed over: duplicates, lines
+  // without "=", and lines whose record or node couldn't be had.
+  std::int32_t IniParseKeys(StringPool* pool, const char* fileName);
   // Frees every key record, empties keys and its index and sets name to null. The caller frees
   // the section.
   void IniSectionClear();
@@ -123,6 +124,11 @@ class IniFile {
   char* falseString = nullptr;
   // Beside sections, which changes only through it.
   NameIndex sectionIndex;
+  // Lines the reads passed over or couldn't keep: directives, duplicate sections and keys, key
+  // lines without "=" or outside a section, lines dropped for want of memory, and text behind a
+  // zero byte or at an arena filled to its end. 0 means every line stands in the object as
+  // written (blank lines and comments aside).
+  std::int32_t irregularLines = 0;
 
  private:
   // The key `key` of section `section`, or null; moves both list cursors. *inSection, when

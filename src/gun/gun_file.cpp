@@ -147,10 +147,14 @@ void putLittleEndian32(unsigned char* out, std::int32_t value) {
 void GunFileLoad(GunListView* view, const char* path) {
   GunListEmpty(view);
   IniFile ini(path, 0, 0);
-  std::int32_t count = ini.IniCountSections(kSectionFormat);
-  int row = 0;
+  GunFileLoadParsed(view, &ini);
+}
+
+void GunFileLoadParsed(GunListView* view, IniFile* ini) {
+  std::int32_t count = ini->IniCountSections(kSectionFormat);
+  int row = GunList.count;
   for (int number = 1; number <= count; number++) {
-    GunData* record = loadGun(&ini, number);
+    GunData* record = loadGun(ini, number);
     if (!record) continue;
     // A record without a node is dropped together with its row, so both stay in step.
     if (!GunList.Append(record)) {

@@ -4,6 +4,7 @@
 #include <cstddef>
 
 class GunListView;
+class IniFile;
 
 enum class GunKeyKind { kText, kFloat, kBool, kColor };
 
@@ -29,6 +30,10 @@ void GunSectionName(char* out, int number);
 // "GunData%03d" from 1), then selects row 0. Reports nothing: an unreadable file gives an
 // empty list.
 void GunFileLoad(GunListView* view, const char* path);
+
+// The part of GunFileLoad behind the read: appends the guns of `ini` to GunList and the view's
+// rows, then selects row 0. For a caller that looks at the parsed file first.
+void GunFileLoadParsed(GunListView* view, IniFile* ini);
 
 // Writes the .dat sibling of `path` (the gun count, then each 560-byte record in list order),
 // then the text file. Returns 1 when the .dat file could be created; else shows "Unable to

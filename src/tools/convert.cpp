@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "base/path_util.h"
+#include "config/ini_file.h"
 #include "files/file_manager.h"
 #include "gun/gun_commands.h"
 #include "gun/gun_file.h"
@@ -142,6 +143,17 @@ bool reportLoad(const char* name, bool allowLoss, int* guns, std::FILE* err) {
   return true;
 }
 
+// Loads the source into the list when what the load parsed needs no report (the common case,
+// which then costs no scan), with the number of guns it holds; false, with nothing loaded, when
+// the source needs the scan.
+bool loadPlain(GunListView* view, const char* source, int* guns) {
+  IniFile ini(source, 0, 0);
+  if (!GunTextIsPlain(ini)) return false;
+  *guns = ini.sections.count;
+  GunFileLoadParsed(view, &ini);
+  return true;
+}
+
 int convert(const Command& command, std::FILE* err) {
   char source[kLongSize];
   char textName[kLongSize];
@@ -149,10 +161,12 @@ int convert(const Command& command, std::FILE* err) {
       !targetNames(command.files[1], textName, err)) {
     return kFailed;
   }
-  int guns = 0;
-  if (!reportLoad(source, command.allowLoss, &guns, err)) return kFailed;
   ConsoleListView view(nullptr);
-  GunFileLoad(&view, source);
+  int guns = 0;
+  if (!loadPlain(&view, source, &guns)) {
+    if (!reportLoad(source, command.allowLoss, &guns, err)) return kFailed;
+    GunFileLoad(&view, source);
+  }
   int status = kOk;
   if (GunList.count != guns) {
     std::fprintf(err, "tessarine-convert: %sthe load gave %d gun(s) where the file holds %d\n",

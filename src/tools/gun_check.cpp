@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include "base/string_util.h"
+#include "config/ini_file.h"
 #include "gun/gun_data.h"
 #include "gun/gun_file.h"
 #include "platform/number_text.h"
@@ -218,9 +219,10 @@ void valueChanges(const GunKey& key, std::string_view value, std::vector<std::st
       colorChanges(value, out);
       break;
     case GunKeyKind::kFloat: {
-      addNumberChange(key.name, value, out);
+      // A plain decimal is a whole number text that reads back: nothing to say.
       PlainDecimal decimal;
       if (readPlainDecimal(value, &decimal)) break;
+      addNumberChange(key.name, value, out);
       std::string trip = textRoundTrip(static_cast<float>(parseNumber(value)), value);
       if (!trip.empty()) {
         out->push_back(std::string(key.name) + " " + std::string(value) + ": " + trip);
@@ -311,6 +313,34 @@ int CheckGunText(GunTextScan* scan) {
               "no gun section GunData001: the load gives no gun at all");
   }
   return count;
+}
+
+bool GunTextIsPlain(const IniFile& ini) {
+  if (ini.irregularLines != 0 || ini.sections.count == 0) return false;
+  constexpr std::size_t keyCount = kGunKeyCount;
+  int number = 0;
+  std::vector<std::string> changes;
+  for (const CursorNode* node = ini.sections.head; node; node = node->next) {
+    const auto* section = static_cast<const IniSection*>(node->payload);
+    char expected[kGunSectionNameSize];
+    GunSectionName(expected, ++number);
+    if (std::strcmp(section->name, expected) != 0) return false;
+    // Keys mostly come in the save's order. The parse keeps one key of a name in any case, so
+    // an exact match is a key's only one.
+    std::size_t next = 0;
+    for (const CursorNode* item = section->keys.head; item; item = item->next) {
+      const auto* key = static_cast<const IniKey*>(item->payload);
+      std::size_t tried = 0;
+      for (; tried < keyCount; tried++, next = (next + 1) % keyCount) {
+        if (std::strcmp(key->name, kGunKeys[next].name) == 0) break;
+      }
+      if (tried == keyCount) return false;
+      valueChanges(kGunKeys[next], key->stringValue ? key->stringValue : "", &changes);
+      if (!changes.empty()) return false;
+      next = (next + 1) % keyCount;
+    }
+  }
+  return true;
 }
 
 int CountFindings(const GunTextScan& scan, FindingKind kind) {

@@ -8,6 +8,7 @@
 
 #include "tools/gun_text_scan.h"
 
+class IniFile;
 struct GunData;
 
 // Adds to `scan` a finding for every gun section the load passes over (a gap in the numbering,
@@ -17,6 +18,12 @@ struct GunData;
 // texts longer than their field, FireColor that isn't three components within 0 to 1, and
 // values whose six-decimal text reads back different. Returns the number of guns the load gives.
 int CheckGunText(GunTextScan* scan);
+
+// True when a check of the file that `ini` was read from (without a cut) would find nothing:
+// the parse passed over no line, the sections are GunData001, GunData002 and so on in that
+// order and no others, and every key is a known one, once in its section, with a value the load
+// keeps as written. False says only that the file needs the scan and CheckGunText.
+bool GunTextIsPlain(const IniFile& ini);
 
 // How many of the findings are of `kind`.
 int CountFindings(const GunTextScan& scan, FindingKind kind);
