@@ -10,7 +10,6 @@
 #include <string>
 
 #include "catalog_bytes.h"
-#include "files/file_manager.h"
 #include "kernel_fixture.h"
 #include "platform/host_heap.h"
 
@@ -27,14 +26,13 @@ class CatalogWriterTest : public KernelTest {
     return systemPath(dir_.file(name));
   }
   // Adds each file as `name` holding `bytes`; kOk or the first refusal.
-  S AddAll(CatalogWriter& writer, std::initializer_list<std::pair<const char*, std::string>> files) {
-    for (const auto& [name, bytes] : files)
+  S AddAll(CatalogWriter& writer, std::initializer_list<std::pair<const char*, std::string>> all) {
+    for (const auto& [name, bytes] : all)
       if (S status = writer.Add(Source(name, bytes).c_str()); status != S::kOk) return status;
     return S::kOk;
   }
   std::string Catalog() const { return systemPath(dir_.file("out.cat")); }
-  // What the directory holds, names sorted and joined by spaces.
-  std::string Listing() const {
+  std::string Listing() const {  // what the directory holds, names sorted, joined by spaces
     std::set<std::string> names;
     for (const auto& item : std::filesystem::directory_iterator(dir_.path()))
       names.insert(item.path().filename().string());
