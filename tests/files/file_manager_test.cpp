@@ -158,6 +158,7 @@ TEST_F(FileManagerTest, TracesTheDocumentedMessages) {
     return pushed;
   };
   const std::string openedQ = "Catalog file " + q + " opened successfully.";
+  auto failed = [](std::string path) { return "\nError opening catalog file " + path + "!"; };
   // In order: each row starts where the one before left off.
   struct Row {
     int failNth;  // the allocation that fails; 0 for none
@@ -168,9 +169,8 @@ TEST_F(FileManagerTest, TracesTheDocumentedMessages) {
       {0, create("folder.dat"), -1, "Unable to create file folder.dat!"},
       {0, open(upper), 1, "Catalog file " + upper + " already opened..."},
       {0, close(p), 0, "Catalog file " + p + " still in use..."},
-      {0, open(missing), 0,
-       "Unable to open catalog file " + missing + "!\nError opening catalog file " + missing + "!"},
-      {0, open(bad), 0, bad + " is not a catalog file!\nError opening catalog file " + bad + "!"},
+      {0, open(missing), 0, "Unable to open catalog file " + missing + "!" + failed(missing)},
+      {0, open(bad), 0, bad + " is not a catalog file!" + failed(bad)},
       // The open file goes with its catalog; closed first, it leaves the catalog free.
       {0, [&] { return open(q)() && gFMG->OpenFile("q.dat") == 1 && !close(q)(); }, 1,
        openedQ + "\nCatalog file " + q + " is still in use! (OpenFileCount = 1)"},
@@ -185,10 +185,8 @@ TEST_F(FileManagerTest, TracesTheDocumentedMessages) {
       {2, create("disk.dat"), -1, "Unable to add file handle list!"},
       // A load allocates the object, each table's block and its one entry, then the list's node.
       {1, open(q), 0, "Unable to allocate memory for catalog file " + q + "!"},
-      {3, open(q), 0,
-       "Unable to allocate memory for catalog header!\nError opening catalog file " + q + "!"},
-      {5, open(q), 0,
-       "Unable to allocate memory for catalog extension!\nError opening catalog file " + q + "!"},
+      {3, open(q), 0, "Unable to allocate memory for catalog header!" + failed(q)},
+      {5, open(q), 0, "Unable to allocate memory for catalog extension!" + failed(q)},
       {6, open(q), 0, "Unable to append catalog " + q + " to the catalog list!"},
       {1, [] { return gFMG->PushDirectory(); }, 0,
        "Error PushDirectory - unable to allocate memory for " + cwd},
