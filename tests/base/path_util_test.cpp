@@ -11,40 +11,31 @@
 
 namespace {
 
-// Each helper as one signature: directory, name or path, extension, output, size.
-struct Helper {
-  const char* name;
-  void (*call)(const char*, const char*, const char*, char*, int);
-};
-const Helper kCheckFilePath{"fmgCheckFilePath", [](const char* d, const char* t, const char*,
-                                                   char* o, int s) { fmgCheckFilePath(d, t, o, s); }};
-const Helper kCheckFilename{"fmgCheckFilename", fmgCheckFilename};
-const Helper kGetFilePath{"fmgGetFilePath", [](const char*, const char* t, const char*, char* o,
-                                               int s) { fmgGetFilePath(t, o, s); }};
-const Helper kGetFileExtension{"fmgGetFileExtension",
-                               [](const char*, const char* t, const char*, char* o, int s) {
-                                 fmgGetFileExtension(t, o, s);
-                               }};
-const Helper kRemoveFilePath{"fmgRemoveFilePath", [](const char*, const char* t, const char*,
-                                                     char* o, int s) { fmgRemoveFilePath(t, o, s); }};
-const Helper kSetFileExtension{"fmgSetFileExtension",
-                               [](const char*, const char* t, const char* e, char* o, int s) {
-                                 fmgSetFileExtension(t, e, o, s);
-                               }};
+// The helpers, called through one signature: directory, name or path, extension, output, size.
+enum Helper { kJoin, kName, kDir, kExt, kBase, kSetExt };
+const char* const kHelperNames[] = {"fmgCheckFilePath",  "fmgCheckFilename",
+                                    "fmgGetFilePath",    "fmgGetFileExtension",
+                                    "fmgRemoveFilePath", "fmgSetFileExtension"};
+void call(Helper helper, const char* d, const char* t, const char* e, char* o, int s) {
+  switch (helper) {
+    case kJoin: return fmgCheckFilePath(d, t, o, s);
+    case kName: return fmgCheckFilename(d, t, e, o, s);
+    case kDir: return fmgGetFilePath(t, o, s);
+    case kExt: return fmgGetFileExtension(t, o, s);
+    case kBase: return fmgRemoveFilePath(t, o, s);
+    case kSetExt: return fmgSetFileExtension(t, e, o, s);
+  }
+}
+constexpr const char* N = nullptr;
 
 // Runs a helper into a buffer prefilled with 'x'; fails the test if it wrote past `size`.
-std::string run(const Helper& helper, const char* directory, const char* text,
+std::string run(Helper helper, const char* directory, const char* text,
                 const char* extension, int size) {
   char output[300];
   std::memset(output, 'x', sizeof output);
-  helper.call(directory, text, extension, output, size);
-  EXPECT_EQ(std::string(output + size, 4), "xxxx") << helper.name << " wrote past " << size;
+  call(helper, directory, text, extension, output, size);
+  EXPECT_EQ(std::string(output + size, 4), "xxxx") << kHelperNames[helper] << " past " << size;
   return std::string(output, strnlen(output, static_cast<std::size_t>(size)));
-}
-
-std::string backslashed(std::string path) {
-  for (char& c : path) c = c == '/' ? '\\' : c;
-  return path;
 }
 
 }  // namespace
@@ -52,63 +43,43 @@ std::string backslashed(std::string path) {
 TEST(PathUtil, EdgeCases) {
   const std::string longDirectory(300, 'd');
   const char* const longDir = longDirectory.c_str();
-  struct Case {
-    const Helper& helper;
-    const char* directory;
-    const char* text;
-    const char* extension;
-    int size;
+  const struct {
+    Helper helper;
+    const char *directory, *text, *extension;
+    int size;  // 0: 260
     std::string expected;
   } cases[] = {
-      {kCheckFilePath, nullptr, "gun.ini", nullptr, 260, ".\\gun.ini"},
-      {kCheckFilePath, "data", "gun.ini", nullptr, 260, "data\\gun.ini"},
-      {kCheckFilePath, "data\\", "gun.ini", nullptr, 260, "data\\gun.ini"},
-      {kCheckFilePath, "", "gun.ini", nullptr, 260, "gun.ini"},
-      {kCheckFilePath, "data", "sub\\gun.ini", nullptr, 260, "sub\\gun.ini"},
-      {kCheckFilePath, "data", "c:gun.ini", nullptr, 260, "data\\c:gun.ini"},
-      {kCheckFilePath, "data", "a/gun.ini", nullptr, 260, "data\\a/gun.ini"},
-      {kCheckFilePath, "data", "gun.ini", nullptr, 9, "data\\gun"},
-      {kCheckFilePath, "data", "gun.ini", nullptr, 5, "data"},
-      {kCheckFilePath, nullptr, "gun.ini", nullptr, 2, "."},
-      {kCheckFilePath, "dir", "\xC3\xA9.ini", nullptr, 6, "dir\\"},  // é is never cut in half
-      {kCheckFilePath, longDir, "gun.ini", nullptr, 260, std::string(259, 'd')},
-      {kCheckFilename, longDir, "gun", "ini", 260, std::string(259, 'd')},
-      {kCheckFilename, nullptr, "gun", "ini", 260, ".\\gun.ini"},
-      {kCheckFilename, nullptr, "gun", ".ini", 260, ".\\gun.ini"},
-      {kCheckFilename, nullptr, "gun.txt", "ini", 260, ".\\gun.txt"},
-      {kCheckFilename, nullptr, "gun.", "ini", 260, ".\\gun."},
-      {kCheckFilename, nullptr, "a.b\\gun", "ini", 260, "a.b\\gun"},
-      {kCheckFilename, nullptr, "gun", "", 260, ".\\gun."},
-      {kCheckFilename, nullptr, "gun", nullptr, 260, ".\\gun"},
-      {kCheckFilename, "data", "gun", "ini", 10, "data\\gun."},
-      {kCheckFilename, "data", "gun", "ini", 11, "data\\gun.i"},
-      {kGetFilePath, nullptr, "c:\\data\\gun.ini", nullptr, 260, "c:\\data"},
-      {kGetFilePath, nullptr, "gun.ini", nullptr, 260, ".\\"},
-      {kGetFilePath, nullptr, "\\gun.ini", nullptr, 260, ""},
-      {kGetFilePath, nullptr, "/home/ann/gun.ini", nullptr, 260, ".\\"},
-      {kGetFilePath, nullptr, "data\\sub\\gun.ini", nullptr, 10, "data\\sub"},
-      {kGetFileExtension, nullptr, "gun.ini", nullptr, 260, "ini"},
-      {kGetFileExtension, nullptr, "gun", nullptr, 260, ""},
-      {kGetFileExtension, nullptr, "gun.", nullptr, 260, ""},
-      {kGetFileExtension, nullptr, "..\\gun", nullptr, 260, ""},
-      {kGetFileExtension, nullptr, "a.b\\gun", nullptr, 260, "b\\gun"},
-      {kGetFileExtension, nullptr, "gun.tar.gz", nullptr, 260, "gz"},
-      {kGetFileExtension, nullptr, "gun.ini", nullptr, 3, "in"},
-      {kRemoveFilePath, nullptr, "c:\\data\\gun.ini", nullptr, 260, "gun.ini"},
-      {kRemoveFilePath, nullptr, "data\\", nullptr, 260, ""},
-      {kRemoveFilePath, nullptr, "a/b/gun.ini", nullptr, 260, "a/b/gun.ini"},
-      {kSetFileExtension, nullptr, "gun.ini", "dat", 260, "gun.dat"},
-      {kSetFileExtension, nullptr, "gun.ini", ".dat", 260, "gun.dat"},
-      {kSetFileExtension, nullptr, "gun", "dat", 260, "gun.dat"},
-      {kSetFileExtension, nullptr, "gun.ini", nullptr, 260, "gun"},
-      {kSetFileExtension, nullptr, "gun.ini", "", 260, "gun."},
-      {kSetFileExtension, nullptr, "a.b\\gun", "dat", 260, "a.dat"},
-      {kSetFileExtension, nullptr, "gun.ini", "dat", 5, "gun."},
+      {kJoin, N, "gun.ini", N, 0, ".\\gun.ini"}, {kJoin, "data", "gun.ini", N, 0, "data\\gun.ini"},
+      {kJoin, "data\\", "gun.ini", N, 0, "data\\gun.ini"}, {kJoin, "", "gun.ini", N, 0, "gun.ini"},
+      {kJoin, "data", "sub\\gun.ini", N, 0, "sub\\gun.ini"},
+      {kJoin, "data", "c:gun.ini", N, 0, "data\\c:gun.ini"},
+      {kJoin, "data", "a/gun.ini", N, 0, "data\\a/gun.ini"},
+      {kJoin, "data", "gun.ini", N, 9, "data\\gun"}, {kJoin, "data", "gun.ini", N, 5, "data"},
+      {kJoin, N, "gun.ini", N, 2, "."},
+      {kJoin, "dir", "\xC3\xA9.ini", N, 6, "dir\\"},  // é is never cut in half
+      {kJoin, longDir, "gun.ini", N, 0, std::string(259, 'd')},
+      {kName, longDir, "gun", "ini", 0, std::string(259, 'd')},
+      {kName, N, "gun", "ini", 0, ".\\gun.ini"}, {kName, N, "gun", ".ini", 0, ".\\gun.ini"},
+      {kName, N, "gun.txt", "ini", 0, ".\\gun.txt"}, {kName, N, "gun.", "ini", 0, ".\\gun."},
+      {kName, N, "a.b\\gun", "ini", 0, "a.b\\gun"}, {kName, N, "gun", "", 0, ".\\gun."},
+      {kName, N, "gun", N, 0, ".\\gun"}, {kName, "data", "gun", "ini", 10, "data\\gun."},
+      {kName, "data", "gun", "ini", 11, "data\\gun.i"},
+      {kDir, N, "c:\\data\\gun.ini", N, 0, "c:\\data"}, {kDir, N, "gun.ini", N, 0, ".\\"},
+      {kDir, N, "\\gun.ini", N, 0, ""}, {kDir, N, "/home/ann/gun.ini", N, 0, ".\\"},
+      {kDir, N, "data\\sub\\gun.ini", N, 10, "data\\sub"}, {kExt, N, "gun.ini", N, 0, "ini"},
+      {kExt, N, "gun", N, 0, ""}, {kExt, N, "gun.", N, 0, ""}, {kExt, N, "..\\gun", N, 0, ""},
+      {kExt, N, "a.b\\gun", N, 0, "b\\gun"}, {kExt, N, "gun.tar.gz", N, 0, "gz"},
+      {kExt, N, "gun.ini", N, 3, "in"}, {kBase, N, "c:\\data\\gun.ini", N, 0, "gun.ini"},
+      {kBase, N, "data\\", N, 0, ""}, {kBase, N, "a/b/gun.ini", N, 0, "a/b/gun.ini"},
+      {kSetExt, N, "gun.ini", "dat", 0, "gun.dat"}, {kSetExt, N, "gun.ini", ".dat", 0, "gun.dat"},
+      {kSetExt, N, "gun", "dat", 0, "gun.dat"}, {kSetExt, N, "gun.ini", N, 0, "gun"},
+      {kSetExt, N, "gun.ini", "", 0, "gun."}, {kSetExt, N, "a.b\\gun", "dat", 0, "a.dat"},
+      {kSetExt, N, "gun.ini", "dat", 5, "gun."},
   };
-  for (const Case& c : cases) {
-    EXPECT_EQ(run(c.helper, c.directory, c.text, c.extension, c.size), c.expected)
-        << c.helper.name << " dir=" << (c.directory ? c.directory : "(null)") << " text=" << c.text
-        << " ext=" << (c.extension ? c.extension : "(null)") << " size=" << c.size;
+  for (const auto& c : cases) {
+    EXPECT_EQ(run(c.helper, c.directory, c.text, c.extension, c.size ? c.size : 260), c.expected)
+        << kHelperNames[c.helper] << " dir=" << (c.directory ? c.directory : "(null)")
+        << " text=" << c.text << " ext=" << (c.extension ? c.extension : "(null)") << " " << c.size;
   }
   char path[260] = "data\\gun.ini";  // in place, as the gun save does
   fmgSetFileExtension(path, "dat", path, sizeof path);
@@ -118,12 +89,12 @@ TEST(PathUtil, EdgeCases) {
 class PathUtilReport : public KernelTest {};
 
 TEST_F(PathUtilReport, NullOrEmptyInputClearsTheOutputAndTraces) {
-  for (const Helper* helper : {&kCheckFilePath, &kCheckFilename, &kGetFilePath,
-                               &kGetFileExtension, &kRemoveFilePath, &kSetFileExtension}) {
-    for (const char* text : {static_cast<const char*>(nullptr), ""}) {
+  for (Helper helper : {kJoin, kName, kDir, kExt, kBase, kSetExt}) {
+    for (const char* text : {N, ""}) {
       TraceCapture traces;
-      EXPECT_EQ(run(*helper, "data", text, "ini", 260), "") << helper->name;
-      EXPECT_EQ(traces.Lines(), std::vector<std::string>{std::string("MSG|") + helper->name +
+      EXPECT_EQ(run(helper, "data", text, "ini", 260), "") << kHelperNames[helper];
+      EXPECT_EQ(traces.Lines(), std::vector<std::string>{std::string("MSG|") +
+                                                         kHelperNames[helper] +
                                                          ": NULL string passed in as argument, "
                                                          "no action taken."});
     }
@@ -133,19 +104,13 @@ TEST_F(PathUtilReport, NullOrEmptyInputClearsTheOutputAndTraces) {
 
 TEST(PathUtil, CurrentDirectoryInBackslashForm) {
   TempDir dir;
-  char saved[260];
+  char saved[260], now[260], real[4096];
   fmgGetCurrentDirectory(saved, sizeof saved);
-  ASSERT_STRNE(saved, "");
-  EXPECT_EQ(std::strchr(saved, '/'), nullptr);
-  EXPECT_EQ(fmgSetCurrentDirectory(backslashed(dir.path()).c_str()), 1);
-  char now[260];
+  EXPECT_EQ(fmgSetCurrentDirectory(systemPath(dir.path()).c_str()), 1);
   fmgGetCurrentDirectory(now, sizeof now);
-  char real[4096];
   ASSERT_NE(getcwd(real, sizeof real), nullptr);
-  EXPECT_EQ(std::string(now), backslashed(real));
-  for (const char* refused : {static_cast<const char*>(nullptr), "", "\\no\\such\\dir"}) {
-    EXPECT_EQ(fmgSetCurrentDirectory(refused), 0);
-  }
+  EXPECT_EQ(std::string(now), systemPath(real));
+  for (const char* refused : {N, "", "\\no\\such"}) EXPECT_EQ(fmgSetCurrentDirectory(refused), 0);
   EXPECT_EQ(fmgSetCurrentDirectory(saved), 1);
   char small[4] = "abc";  // too small a buffer is cleared, not cut
   fmgGetCurrentDirectory(small, sizeof small);

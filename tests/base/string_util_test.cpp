@@ -1,10 +1,11 @@
 // Tests of the string helpers.
+#include "base/string_util.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <string>
 
-#include "base/string_util.h"
 #include "kernel_fixture.h"
 #include "platform/host_heap.h"
 
@@ -22,53 +23,47 @@ TEST_F(StringUtilTest, DuplicateAndFree) {
 }
 
 TEST(StringUtil, EqualsNeedsTwoNonEmptyTextsAndFoldsOnlyAToZ) {
-  struct Case {
-    const char* a;
-    const char* b;
+  const struct {
+    const char *a, *b;
     int caseSensitive, expected;
   } cases[] = {
       {"", "", 1, 0},        {"", "", 0, 0},       {nullptr, "a", 0, 0},
       {"abc", "ABC", 0, 1},  {"abc", "ABC", 1, 0}, {"abc", "abc", 1, 1},
       {"abc", "abcd", 0, 0}, {"\xC3\xA9", "\xC3\x89", 0, 0},  // only a-z fold
   };
-  for (const Case& c : cases) {
-    EXPECT_EQ(strEquals(c.a, c.b, c.caseSensitive), c.expected)
-        << (c.a ? c.a : "null") << " vs " << c.b << " cs " << c.caseSensitive;
-  }
+  for (const auto& c : cases)
+    EXPECT_EQ(strEquals(c.a, c.b, c.caseSensitive), c.expected) << c.b << " " << c.caseSensitive;
 }
 
+// Null start: strCopyN, which fills the rest of `size` with NULs; else strAppendN behind it.
 TEST(StringUtil, CopyAndAppendFillStayInsideAndNeverCutASequence) {
-  struct Case {
-    const char* start;  // null: strCopyN; else strAppendN behind this text
-    const char* source;
+  const struct {
+    const char *start, *source;
     int size;
     const char* expected;
   } cases[] = {
-      {nullptr, "abcdef", 4, "abc"},        {nullptr, "abcdef", 7, "abcdef"},
-      {nullptr, "abcdef", 1, ""},           {nullptr, "ab\xC3\xA9", 4, "ab"},  // é left out whole
-      {nullptr, "ab\xC3\xA9", 5, "ab\xC3\xA9"},
-      {nullptr, "a\xE2\x82\xAC" "b", 4, "a"},  // three-byte €
-      {nullptr, "a\xE2\x82\xAC" "b", 5, "a\xE2\x82\xAC"},
-      {"abc", "def", 5, "abcd"},            {"abc", "def", 7, "abcdef"},
-      {"abc", "def", 4, "abc"},             {"abc", "", 8, "abc"},
-      {"", "def", 8, "def"},                {"ab", "\xC3\xA9\xC3\xA9", 5, "ab\xC3\xA9"},
-      {"ab", "\xC3\xA9\xC3\xA9", 6, "ab\xC3\xA9"},
+      {nullptr, "abcdef", 4, "abc"},   {nullptr, "abcdef", 7, "abcdef"},
+      {nullptr, "abcdef", 1, ""},      {nullptr, "ab\xC3\xA9", 4, "ab"},  // é left out whole
+      {nullptr, "ab\xC3\xA9", 5, "ab\xC3\xA9"},  {nullptr, "a\xE2\x82\xAC" "b", 4, "a"},  // €
+      {nullptr, "a\xE2\x82\xAC" "b", 5, "a\xE2\x82\xAC"}, {"abc", "def", 5, "abcd"},
+      {"abc", "def", 7, "abcdef"},     {"abc", "def", 4, "abc"},
+      {"abc", "", 8, "abc"},           {"", "def", 8, "def"},
+      {"ab", "\xC3\xA9\xC3\xA9", 5, "ab\xC3\xA9"}, {"ab", "\xC3\xA9\xC3\xA9", 6, "ab\xC3\xA9"},
   };
-  for (const Case& c : cases) {
-    std::string name = std::string(c.start ? c.start : "copy") + "+" + c.source + " size " +
-                       std::to_string(c.size);
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.start ? c.start : "copy") + "+" + c.source + " " +
+                 std::to_string(c.size));
     char buffer[16];
     std::memset(buffer, 'x', sizeof buffer);
     if (c.start) {
       strAppendN(std::strcpy(buffer, c.start), c.source, c.size);
     } else {
       EXPECT_EQ(strCopyN(buffer, c.source, c.size), buffer);
-      for (int i = static_cast<int>(std::strlen(c.expected)); i < c.size; i++) {
-        EXPECT_EQ(buffer[i], '\0') << name << ": stale byte at " << i;
-      }
+      for (int i = static_cast<int>(std::strlen(c.expected)); i < c.size; i++)
+        EXPECT_EQ(buffer[i], '\0') << "stale byte at " << i;
     }
-    EXPECT_STREQ(buffer, c.expected) << name;
-    EXPECT_EQ(buffer[c.size], 'x') << name << ": wrote past the size";
+    EXPECT_STREQ(buffer, c.expected);
+    EXPECT_EQ(buffer[c.size], 'x') << "wrote past the size";
   }
   char stale[4] = "zzz";
   strCopyN(stale, "", 4);  // an empty source writes its terminator alone
@@ -77,7 +72,7 @@ TEST(StringUtil, CopyAndAppendFillStayInsideAndNeverCutASequence) {
 }
 
 TEST(StringUtil, CaseAndTrimInPlace) {
-  struct Case {
+  const struct {
     const char* input;
     char* (*change)(char*);
     const char* expected;
@@ -88,13 +83,11 @@ TEST(StringUtil, CaseAndTrimInPlace) {
       {"", strTrim, ""},                    {"\v\f\r\na\xC2\xA0", strTrim, "a\xC2\xA0"},
       {"x", strTrim, "x"},                  {"a  b", strTrim, "a  b"},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     char buffer[32];
-    std::strcpy(buffer, c.input);
-    EXPECT_EQ(c.change(buffer), buffer);
+    EXPECT_EQ(c.change(std::strcpy(buffer, c.input)), buffer);
     EXPECT_STREQ(buffer, c.expected) << c.input;
   }
-  EXPECT_EQ(strTrim(nullptr), nullptr);
-  EXPECT_EQ(strUpper(nullptr), nullptr);
+  for (auto* change : {strTrim, strUpper}) EXPECT_EQ(change(nullptr), nullptr);
   strClear(nullptr);
 }
