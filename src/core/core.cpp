@@ -64,7 +64,7 @@ void UnbindCoreInterfaces() {
   unbind<DllInterface>("DLL", &gDLL);
 }
 
-int CoreStartup() {
+int CoreStartup(FrameClock clock) {
   debugSystem.Init("debug.out");
   gDBG = &debugSystem;
   dbgTrace(1, "Debug System initialized...");
@@ -93,7 +93,7 @@ int CoreStartup() {
 
   randomTable.Init();
   registerService("RND", static_cast<RandomInterface*>(&randomTable));
-  frameClock.Init();
+  if (clock == FrameClock::kStarted) frameClock.Init();
   registerService("CLK", static_cast<ClockInterface*>(&frameClock));
   options.Init();
   registerService("OPT", static_cast<OptionsInterface*>(&options));

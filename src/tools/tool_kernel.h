@@ -19,7 +19,7 @@ bool toolSystemPath(const char* program, const char* hostPath, char* out, std::F
 template <typename Work>
 int toolWithKernel(const char* program, Work work, std::FILE* err) {
   int status = kToolFailed;
-  if (CoreStartup() && gFMG) {
+  if (CoreStartup(FrameClock::kIdle) && gFMG) {
     status = work();
   } else {
     std::fprintf(err, "%s: the kernel's services could not be brought up\n", program);
