@@ -1,4 +1,4 @@
-// Tests of NameIndex: lookups that end where the plain walk ends, in a list and in IniFile.
+// NameIndex: lookups end where the plain walk ends, in a list and in IniFile.
 #include "config/name_index.h"
 
 #include <gtest/gtest.h>
@@ -59,8 +59,6 @@ TEST_F(NameIndexTest, FindsWhereTheWalkEndsWithDuplicatesEmptyNamesAndNoMemory) 
   indexed.Clear();
   walked.Clear();
 }
-
-// ---- Differential run on IniFile: tables everywhere against the plain walk ----
 
 // The whole state of the object that a lookup may change or that a write shows.
 std::string state(const IniFile& ini) {

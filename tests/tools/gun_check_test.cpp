@@ -161,7 +161,7 @@ TEST_F(GunCheckTest, NoMemoryForTheParseIsNeverPlainAndTheRebuildFromDatGivesEve
     hostHeapFailNth(0);
     failures += done ? 0 : 1;
     EXPECT_EQ(view.RowCount(), GunList.count) << nth;
-    EXPECT_EQ(GunList.count, done ? 2 : GunList.count) << nth;
+    EXPECT_TRUE(!done || GunList.count == 2) << nth;
     GunListEmpty(&view);
     ASSERT_EQ(LiveBlocks(), blocks) << nth;
   }
