@@ -64,9 +64,7 @@ TEST_F(ConvertTest, GivesTheEditorsBytesAndLosingGunsFailsUnlessAllowed) {
   ExpectEditorsBytes("guns.ini", "out");
   std::string big = generatedGuns(3000), empties;  // more than the text limit holds
   for (int i = 1; i <= 1000; i++) empties += "[GunData" + std::to_string(i < 1000 ? i + 1000 : i).substr(i < 1000) + "]\n";
-  const struct {
-    std::string name, text, message;
-  } cases[] = {
+  const struct { std::string name, text, message; } cases[] = {
       {"big", big, "the load stops here, at the 262144-byte text limit (the file has " + std::to_string(big.size())},
       {"gap", "[GunData001]\nTypeName=A\n[GunData002]\nTypeName=B\n[GunData004]\nTypeName=D\n",
        "gap.ini:5: section [GunData004] is not read: there is no GunData003"},
