@@ -1,4 +1,4 @@
-// Tests of bring-up and shutdown: registrations, global pointers and the order of the traces.
+// Bring-up and shutdown: registrations, global pointers and the order of the traces.
 #include <gtest/gtest.h>
 
 #include <string>

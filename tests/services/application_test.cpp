@@ -1,5 +1,4 @@
-// Tests of the Application service on a recording window system: the state switch, the cursor's
-// display count, the message pump and the text.
+// The Application service on a recording window system.
 #include <gtest/gtest.h>
 
 #include <deque>
@@ -12,7 +11,7 @@ namespace {
 
 int mainWindow, arrowCursor;
 
-// Records every call; the queue holds message ids, and GetMessage answers -1 when it is empty.
+// Records every call; GetMessage answers -1 on an empty queue.
 class RecordingWindow final : public HostWindowCalls {
  public:
   explicit RecordingWindow(Application* client) : app(client) { hostInstallWindowCalls(this); }
@@ -42,8 +41,7 @@ class RecordingWindow final : public HostWindowCalls {
   void Log(const std::string& call) { calls += call + ","; }
   int Take(HostMessage* message) {
     if (queue.empty()) return 0;
-    message->id = queue.front();
-    queue.pop_front();
+    message->id = queue.front(), queue.pop_front();
     return 1;
   }
 
@@ -53,11 +51,9 @@ class RecordingWindow final : public HostWindowCalls {
   int displayCount = 0;
 };
 
-// Inactive, the pump waits for messages; active, it takes what is queued. Each ends at the quit
-// message. A handler may switch the state, which shows the window or hides it and steps the
-// cursor's display count from wherever it stands to the wanted side; a switch to the same state
-// does nothing.
-TEST(Application, PumpsMessagesAndSwitchesStateOnlyOnAChange) {
+// Inactive, the pump waits; active, it takes what is queued; a handler's switch steps the
+// cursor's display count from wherever it stands to the wanted side.
+TEST(Application, PumpsMessagesSwitchesStateOnlyOnAChangeAndCutsItsText) {
   Application app;
   RecordingWindow window(&app);
   gMainWindowHandle = &mainWindow;
@@ -84,11 +80,7 @@ TEST(Application, PumpsMessagesAndSwitchesStateOnlyOnAChange) {
   }
   EXPECT_EQ(app.IsActive(), 0);
   gMainWindowHandle = nullptr;
-}
-
-TEST(Application, KeepsItsTextCutAndTheDirectoryOfBringUp) {
-  Application app;
-  app.Init();
+  // The text is cut to its buffer; the directory is the one of bring-up.
   EXPECT_EQ(app.HasText(), 0);
   std::string longText(2000, 'x');
   app.SetText(longText.c_str());

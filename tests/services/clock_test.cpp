@@ -1,5 +1,4 @@
-// Tests of the Clock on a scripted millisecond counter: ticks, rates, the wrap, Delay and the
-// bring-up's refusals of a coarse or missing timer.
+// The Clock on a scripted millisecond counter.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -11,22 +10,15 @@
 
 namespace {
 
-// A counter that moves on by `step` at every reading, and records the period calls; installed
-// while it lives.
+// A counter that moves on by `step` at every reading, and records the period calls.
 class ScriptedTimer final : public HostTimer {
  public:
   ScriptedTimer() { hostInstallTimer(this); }
   ~ScriptedTimer() { hostInstallTimer(nullptr); }
-  int GetDevCaps(HostTimerCaps* out) override {
-    *out = caps;
-    return capsResult;
-  }
+  int GetDevCaps(HostTimerCaps* out) override { return *out = caps, capsResult; }
   void BeginPeriod(std::uint32_t period) override { calls += "begin " + std::to_string(period) + ","; }
   void EndPeriod(std::uint32_t period) override { calls += "end " + std::to_string(period) + ","; }
-  std::uint32_t Now() override {
-    now += step;
-    return now - step;
-  }
+  std::uint32_t Now() override { return (now += step) - step; }
 
   HostTimerCaps caps{1, 1000000};
   int capsResult = 0;
@@ -40,8 +32,7 @@ class ClockTest : public KernelTest {
   Clock clock;
 };
 
-// Tick reads until a frame period has passed since the last tick (at least once); past the
-// counter's wrap one millisecond is lost. The timer's own period stays untouched.
+// Tick reads until a frame period has passed (at least once); the counter's wrap loses 1 ms.
 TEST_F(ClockTest, TickWaitsForTheFramePeriodAndStoresTheRates) {
   timer.now = 0xFFFFFFFEu;
   clock.Init();  // period 1, started at ...FE and ticked once at ...FF: elapsed 1
@@ -68,7 +59,7 @@ TEST_F(ClockTest, TickWaitsForTheFramePeriodAndStoresTheRates) {
 
 TEST_F(ClockTest, DelayCountsFromTheLastTickAndResetStartsAgain) {
   timer.now = 1000;  // the kernel's own clock has read the counter too
-  clock.Init();  // started at 1000, ticked at 1001: elapsed 1
+  clock.Init();  // started at 1000, ticked at 1001
   for (std::uint32_t wait : {0u, 5u, 30u}) {  // 20 ms after the tick: at once, or the rest
     timer.now = 1000 + 1 + 20;
     clock.Delay(wait);
@@ -81,7 +72,6 @@ TEST_F(ClockTest, DelayCountsFromTheLastTickAndResetStartsAgain) {
   EXPECT_EQ(clock.GetElapsed() + clock.lastElapsed, 10u);
 }
 
-// Stop ends the period even after a failed start.
 TEST_F(ClockTest, BringUpRefusesAMissingOrCoarseTimer) {
   const struct { int capsResult; std::uint32_t periodMin; const char* trace; std::uint32_t period;
                  const char* calls; } rows[] = {

@@ -1,5 +1,4 @@
-// Tests of the plug-in loader: load counts, InitDLL and ExitDLL once per load, libraries held
-// by their interfaces, refusals, and a library kept past shutdown.
+// The plug-in loader on copies of the tests' plug-ins: a copy is a new file, so it loads fresh.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -19,7 +18,6 @@ std::int32_t loadCountOfCurrent() {
   return static_cast<DllLibrary*>(gDLL->libraries.current->payload)->refCount;
 }
 
-// Each test loads its own copies: a copy is a new file to the host, so it loads fresh.
 class DllLibraryManagerTest : public KernelTest {
  protected:
   void SetUp() override {
@@ -38,8 +36,8 @@ class DllLibraryManagerTest : public KernelTest {
   TempDir dir;
 };
 
-// InitDLL and ExitDLL run once per load; a library whose interface is held stays loaded through
-// FreeDll, its count going below zero, and through FreeAll, until the release.
+// A library whose interface is held stays loaded through FreeDll (its count going below zero)
+// and FreeAll, until the release.
 TEST_F(DllLibraryManagerTest, CountsLoadsAndKeepsALibraryWhoseInterfaceIsHeld) {
   TraceCapture traces;
   std::filesystem::copy_file(TESS_BARE_PLUGIN, dir.file("bare.so"));
@@ -70,29 +68,26 @@ TEST_F(DllLibraryManagerTest, CountsLoadsAndKeepsALibraryWhoseInterfaceIsHeld) {
   EXPECT_EQ(gDLL->FreeDll("probe"), 0);
   EXPECT_EQ(probe.inits * 10 + probe.exits, 33);
   std::erase_if(lines, [](const std::string& line) { return line.find("Interface") != line.npos; });
-  const std::string load = "MSG|Loading DLL library probe...", loaded = "MSG|...DLL library probe";
-  const std::string free = "MSG|Freeing DLL library probe...";
-  const std::string kept = "MSG|...unable to free DLL library probe.";
-  std::vector<std::string> expected;
-  for (int i = 0; i < 2; i++) {
-    expected.insert(expected.end(), {load, load, loaded + " already loaded (2).", free,
-                                     loaded + " still in use (1).", free});
-  }
-  expected.insert(expected.end(),
-                  {"MSG|Loading DLL library PROBE...", "MSG|...unable to load DLL library " +
-                   systemPath(dir.file("PROBE.DLL")) + "!", load, free, kept, free, kept, load,
-                   loaded + " already loaded (0)."});
+  const std::string load = "MSG|Loading DLL library probe...", loaded = "MSG|...DLL library probe",
+                    free = "MSG|Freeing DLL library probe...",
+                    kept = "MSG|...unable to free DLL library probe.";
+  const std::vector<std::string> twice = {load, load, loaded + " already loaded (2).", free,
+                                          loaded + " still in use (1).", free};
+  std::vector<std::string> expected = twice;
+  expected.insert(expected.end(), twice.begin(), twice.end());
+  expected.insert(expected.end(), {"MSG|Loading DLL library PROBE...", "MSG|...unable to load DLL "
+                  "library " + systemPath(dir.file("PROBE.DLL")) + "!", load, free, kept, free,
+                  kept, load, loaded + " already loaded (0)."});
   EXPECT_EQ(lines, expected);
 }
 
-// An empty library path stands for the working directory.
 TEST_F(DllLibraryManagerTest, RefusesWhatItCannotLoadAndKeepsNothing) {
   writeWholeFile(dir.file("text.DLL"), "not a library\n");
   const std::string in = systemPath(dir.path());
   const std::string noMemory = "MSG|...unable to allocate memory for DLL library probe!";
   const struct { const char *path, *name; int failing; std::string resolved, trace; } rows[] = {
       {nullptr, "", 0, "", ""},
-      {"", "missing", 0, ".\\missing.DLL", "MSG|DLL library path set to .\\."},
+      {"", "missing", 0, ".\\missing.DLL", "MSG|DLL library path set to .\\."},  // the working one
       {"\\opt\\x", "missing", 0, "\\opt\\x\\missing.DLL", ""},
       {in.c_str(), "text", 0, in + "\\text.DLL", ""},
       {in.c_str(), "probe", 1, in + "\\probe.DLL", noMemory},  // no memory for the record

@@ -1,4 +1,4 @@
-// Tests of the InterfaceManager registry: names, counts, owners, traces and no-memory paths.
+// The InterfaceManager registry: names, counts, owners, traces and no-memory paths.
 #include <gtest/gtest.h>
 
 #include <optional>
@@ -55,8 +55,7 @@ TEST_F(InterfaceManagerTest, RegistersEachNameOnceByCaseAndNothingWithoutMemory)
 }
 
 // Counts may fall below zero; Unregister and Shutdown drop an entry whatever its count, and
-// Shutdown names only the entries still referenced. An owner's library may go while none of
-// its entries is referenced.
+// Shutdown names only the entries still referenced.
 TEST_F(InterfaceManagerTest, CountsReferencesPerNameAndOwner) {
   void *held = nullptr, *other = &serviceB;
   for (const char* name : {"CLK", "AAA", "BBB", "ZERO", "LOW"}) {

@@ -1,4 +1,4 @@
-// Tests of the random table: the seeded table, the cycle of 4096 draws and the ranges.
+// The random table: the seeded table, the cycle of 4096 draws and the ranges.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -8,7 +8,8 @@
 #include "platform/host_random.h"
 #include "services/random_table.h"
 
-TEST(RandomTable, DrawsCycleThroughTheTableFromItsSeed) {
+// The generator gives 0 to 32767; the table scales it below 1, so no range reaches its bound.
+TEST(RandomTable, DrawsCycleThroughTheTableFromItsSeedAndStayBelowTheirBounds) {
   RandomTable table;
   table.Init();
   EXPECT_EQ(table.GetSeed(), 1u);
@@ -22,19 +23,13 @@ TEST(RandomTable, DrawsCycleThroughTheTableFromItsSeed) {
   table.drawIndex = 0xFFFFFFFFu;  // the index wraps on a multiple of the table's size
   EXPECT_EQ(table.NextFloat(1.0f), first[RandomTable::kSize - 1]);
   EXPECT_EQ(table.NextFloat(1.0f), first[0]);
-}
-
-// The generator gives 0 to 32767; the table scales it below 1, so no range reaches its bound.
-TEST(RandomTable, RangesStayBelowTheirBounds) {
+  EXPECT_TRUE(std::ranges::all_of(table.values, [](float v) { return v >= 0 && v < 1; }));
   hostRandomSeed(99);
   int low = 32767, high = 0;
   for (int i = 0; i < 1000000; i++) {
-    low = std::min(low, hostRandom());
-    high = std::max(high, hostRandom());
+    low = std::min(low, hostRandom()), high = std::max(high, hostRandom());
   }
   EXPECT_EQ(std::pair(low, high), std::pair(0, kHostRandomMax));
-  RandomTable table;
-  table.SetSeed(12345);
   table.values[7] = 32767.0f / 32768.0f;  // the largest value the generator can give
   for (auto [range, largest] : {std::pair{1, 0}, {0, 0}, {-100, -99}, {32768, 32767}}) {
     table.drawIndex = 7;
@@ -42,5 +37,4 @@ TEST(RandomTable, RangesStayBelowTheirBounds) {
   }
   table.drawIndex = 7;
   EXPECT_EQ(table.NextShort(), 32766);
-  EXPECT_TRUE(std::ranges::all_of(table.values, [](float v) { return v >= 0 && v < 1; }));
 }

@@ -1,6 +1,4 @@
-// Test helper: puts the test process in a decimal-comma locale (de_DE.UTF-8) and back to "C".
-// Both calls change process-wide state: make them from the test's own thread, and put "C" back
-// before the test ends.
+// Test helper: a decimal-comma locale for the whole process; put "C" back before the test ends.
 #pragma once
 #include <string>
 

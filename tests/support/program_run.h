@@ -20,7 +20,6 @@ struct ProgramCase {
   std::string message;  // at the start of the output, or anywhere in the errors
 };
 
-// Runs `binary` as a user would, in the directory of the user's files, with its output caught.
 class ProgramTest : public ::testing::Test {
  protected:
   explicit ProgramTest(const char* binary) : binary_(binary) {}
