@@ -59,9 +59,7 @@ class Monkey : public MainWindowTest {
     switch (Roll(6)) {
       case 0:  // QTest types ASCII only; other text comes in as an input method would put it
         if (Roll(2)) field->selectAll();
-        if (text.toLatin1() == text.toUtf8()) QTest::keyClicks(field, text);
-        if (text.toLatin1() != text.toUtf8()) field->insert(text);
-        break;
+        return text.toLatin1() == text.toUtf8() ? QTest::keyClicks(field, text) : field->insert(text);
       case 1: return click(form->findChild<QCheckBox*>());
       case 2: return QTest::keyClick(field, Qt::Key_Return);  // never closes the form
       case 3: return QTest::keyClick(form, Qt::Key_Escape);

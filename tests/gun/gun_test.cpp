@@ -201,12 +201,6 @@ TEST_F(GunTest, LoadCasesOfTheTextFile) {
   EXPECT_EQ(second->FireColor[0], 0.0f) << "fewer than two commas leaves black";
   EXPECT_EQ(second->InvMuzzleVel, INFINITY);
   EXPECT_TRUE(std::isnan(second->WarheadTerm)) << "a negative weight gives a NaN, and loads";
-  for (const char* content : {"", "\n[GunData001]\nTypeName=X\n", "[Other]\nTypeName=X\n"}) {
-    AddGuns({"Kept?"});
-    writeWholeFile(dir.file("x.ini"), content);
-    GunFileLoad(&window, Path(content[0] ? "x.ini" : "missing.ini").c_str());
-    EXPECT_EQ(ListNames(), Names{}) << content;  // the document is emptied
-  }
 }
 
 }  // namespace
