@@ -183,21 +183,17 @@ TEST_F(GunTest, TextFileIsWrittenAfterTheBinaryOneAndOnlyIfItWasMade) {
 
 TEST_F(GunTest, LoadCasesOfTheTextFile) {
   writeWholeFile(dir.file("cases.ini"),
-                 "[GunData002]\r\nTypeName=Second\r\nAddLight=true\r\nFireColor=0.5,-1\r\n"
-                 "WarheadWt=-0.5\r\n"
+                 "[GunData002]\r\nTypeName=Second\r\nFireColor=0.5,-1\r\nWarheadWt=-0.5\r\n"
                  "[gundata001]\r\nTypeName=" + std::string(80, 'L') + "\r\nFullName=" +
-                 std::string(200, 'F') + "\r\nAddLight=7\r\nFireColor=0.5,-1,3\r\nROF=1e3\r\n"
+                 std::string(200, 'F') + "\r\nFireColor=0.5,-1,3\r\n"
                  "[GunData004]\r\nTypeName=Gap\r\n[GunData03]\r\nTypeName=FewDigits\r\n");
   GunFileLoad(&window, Path("cases.ini").c_str());
   ASSERT_EQ(ListNames(), (Names{std::string(63, 'L'), "Second"}));
   EXPECT_EQ(window.selected, 0);
   GunData *first = Record(0), *second = Record(1);
   EXPECT_EQ(std::strlen(first->FullName), 127u);
-  EXPECT_EQ(first->AddLight, 1);
-  EXPECT_EQ(second->AddLight, 1);
   EXPECT_EQ(std::vector<float>(first->FireColor, first->FireColor + 3),
             (std::vector<float>{0.5f, 0, 1})) << "clamped";
-  EXPECT_EQ(first->FireInterval, 0.06f);
   EXPECT_EQ(second->FireColor[0], 0.0f) << "fewer than two commas leaves black";
   EXPECT_EQ(second->InvMuzzleVel, INFINITY);
   EXPECT_TRUE(std::isnan(second->WarheadTerm)) << "a negative weight gives a NaN, and loads";
