@@ -17,31 +17,30 @@
 
 inline int pendingModalActs = 0;  // whenModal calls still waiting for their window
 
-// Gives `act` the first visible modal window other than `before`, polling every 10 ms; fails
-// the test when none is there by the deadline.
-inline void actOnNextModal(QPointer<QWidget> before, std::function<void(QWidget*)> act,
-                           QDeadlineTimer deadline) {
+// Gives `act` the first visible modal window of type T other than `before`, polling every
+// 10 ms from the event loop (so while a modal run blocks the test); fails the test when none is
+// there by the deadline.
+template <typename T>
+void actOnNextModal(QPointer<QWidget> before, std::function<void(T*)> act,
+                    QDeadlineTimer deadline) {
   QWidget* modal = QApplication::activeModalWidget();
-  if ((!modal || modal == before || !modal->isVisible()) && !deadline.hasExpired()) {
+  bool waiting = !modal || modal == before || !modal->isVisible();
+  if (waiting && !deadline.hasExpired()) {
     QTimer::singleShot(10, [=] { actOnNextModal(before, act, deadline); });
     return;
   }
   --pendingModalActs;
-  act(modal && modal != before ? modal : nullptr);
+  T* typed = waiting ? nullptr : qobject_cast<T*>(modal);
+  if (!typed) ADD_FAILURE() << "no modal " << T::staticMetaObject.className() << " opened";
+  if (typed) act(typed);
 }
 
-// Runs `act` on the next modal window, of type T, that opens above the one active now, from the
-// event loop (so while a modal run blocks the test). Fails the test if none opens within 5 s.
+// Runs `act` on the next modal window that opens above the one active now, within 5 s.
 template <typename T = QWidget>
 void whenModal(std::function<void(T*)> act) {
-  QPointer<QWidget> before = QApplication::activeModalWidget();
   ++pendingModalActs;
-  QTimer::singleShot(0, [=] {
-    actOnNextModal(before, [act](QWidget* modal) {
-      T* typed = qobject_cast<T*>(modal);
-      if (!typed) ADD_FAILURE() << "no modal " << T::staticMetaObject.className() << " opened";
-      if (typed) act(typed);
-    }, QDeadlineTimer(5000));
+  QTimer::singleShot(0, [before = QPointer<QWidget>(QApplication::activeModalWidget()), act] {
+    actOnNextModal(before, act, QDeadlineTimer(5000));
   });
 }
 

@@ -1,5 +1,4 @@
-// Both windows driven with real clicks and keys: the gun commands, selection, keys, the
-// choosers, and the edit form's exchange order and byte limits.
+// Both windows driven with real clicks and keys.
 #include <QCheckBox>
 #include <QFileDialog>
 #include <QHeaderView>
@@ -127,36 +126,15 @@ TEST_F(MainWindow, EnterDoesNothingAndEscAsksOnADirtyDocumentWhereCancelKeepsIt)
   EXPECT_EQ(window_->RowCount(), 0) << "the closing window gives its guns back";
 }
 
-TEST_F(MainWindow, ChoosersKeepTheirFilterAndRefuseAPathTheSystemCannotHold) {
-  EnterGun({{"TypeName", "Alpha"}});
+TEST_F(MainWindow, CaptionIsExactlyTheTitleAndTheChooserKeepsItsFilter) {
   whenModal<QFileDialog>([](QFileDialog* chooser) {
-    EXPECT_EQ(chooser->nameFilters(), (QStringList{"Gun Data Files (*.ini)", "All Files (*)"}));
-    EXPECT_EQ(chooser->directory().absolutePath(), QDir::currentPath());
-    EXPECT_EQ(chooser->defaultSuffix(), "ini");
-    chooser->selectFile("a[*]");
+    chooser->selectNameFilter("All Files (*)");
+    chooser->selectFile("a[*]");  // the toolkit's own mark for a modified window
     QMetaObject::invokeMethod(chooser, "accept");
   });
   Press("Save");
   waitForNoModal();
-  EXPECT_EQ(window_->windowHandle()->title(), "a[*].ini") << "the caption is exactly the title";
-  EXPECT_TRUE(QFileInfo::exists("a[*].dat"));
-  writeWholeFile(root_.file("back\\slash.ini"), "[GunData001]\nTypeName=X\n");
-  whenModal<QFileDialog>([](QFileDialog* chooser) {
-    EXPECT_EQ(chooser->fileMode(), QFileDialog::ExistingFile);
-    EXPECT_EQ(chooser->selectedFiles().value(0), QDir::current().absoluteFilePath("a[*].ini"));
-    chooser->selectNameFilter("All Files (*)");
-    chooser->selectFile("back\\slash.ini");
-    whenModal<QMessageBox>([](QMessageBox* box) {
-      EXPECT_EQ(box->windowTitle(), "ERROR!");
-      EXPECT_TRUE(box->text().contains("backslash")) << box->text().toStdString();
-      box->accept();
-    });
-    QMetaObject::invokeMethod(chooser, "accept");
-  });
-  Press("Open");
-  waitForNoModal();
-  EXPECT_EQ(Rows(), Strings{"Alpha|0.0|0|0"});
-  EXPECT_EQ(std::string(DocumentTitle), "a[*].ini");
+  EXPECT_EQ(window_->windowHandle()->title(), "a[*].ini");
   whenModal<QFileDialog>([](QFileDialog* chooser) {
     EXPECT_EQ(chooser->selectedNameFilter(), "All Files (*)");
     chooser->reject();

@@ -1,5 +1,4 @@
-// The program's start and stop, the settings across two runs, the template geometry and the
-// Application's window calls on Qt.
+// The program's start and stop, the template geometry and the Application's window calls on Qt.
 #include <QCursor>
 #include <QLineEdit>
 
@@ -42,8 +41,7 @@ TEST(Program, WritesTheSettingsAtStartAndCloseAndReopensInPlace) {
   });
 }
 
-// The conversion pinned for one font: DejaVu Sans at 11 pixels has bases 7 and 13; both
-// templates are laid out in the dialog font.
+// Pinned for one font: DejaVu Sans at 11 pixels has bases 7 and 13.
 TEST(DialogUnitsTest, ConvertsTemplateUnitsFromTheFontsBases) {
   QFont font(QStringLiteral("DejaVu Sans"));
   font.setPixelSize(11);

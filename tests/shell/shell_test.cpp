@@ -38,11 +38,8 @@ class ShellTest : public KernelTest {
     fs::create_directories(fs::path(root_ + "/" + relative).parent_path());
     return systemPath(root_ + "/" + relative);
   }
-  void AddGun(const std::string& name) {  // through New Gun, the form accepted with this name
-    window_.forms.push_back([name](EditGunDialog* form) {
-      std::snprintf(form->TypeName, sizeof form->TypeName, "%s", name.c_str());
-      return 1;
-    });
+  void AddGun(const std::string& name) {  // through New Gun
+    window_.AcceptForm(name);
     RunGunCommand(&window_, OnNewGun);
   }
   // "hasPath dirty caption rows... @ TargetDirectory cwd", the directories relative to root.
@@ -72,11 +69,9 @@ TEST_F(ShellTest, CommandsAfterTheQuestion) {
     bool filed;
     const char *save, *after;
   } cases[] = {
-      {kYes, true, nullptr, "1 0 a.ini"},    {kYes, false, "c.ini", "1 0 c.ini"},
-      {kYes, false, "", "0 1 Untitled"},     {kNo, true, nullptr, "1 1 a.ini"},
-      {kNo, false, nullptr, "0 1 Untitled"}, {kCancel, true, nullptr, "1 1 a.ini"},
-      {kCancel, false, nullptr, "0 1 Untitled"},
-      {1, false, nullptr, "0 1 Untitled"},  // any other answer cancels
+      {kYes, true, nullptr, "1 0 a.ini"}, {kYes, false, "c.ini", "1 0 c.ini"},
+      {kYes, false, "", "0 1 Untitled"},  {kNo, true, nullptr, "1 1 a.ini"},
+      {kCancel, false, nullptr, "0 1 Untitled"}, {1, true, nullptr, "1 1 a.ini"},  // or any other
   };
   for (const std::string command : {"new", "open", "close"}) {
     for (const Case& c : cases) {
@@ -84,8 +79,7 @@ TEST_F(ShellTest, CommandsAfterTheQuestion) {
       fs::remove(root_ + "/c.ini");
       ResetDocument(&window_);
       AddGun("Alpha");
-      if (c.filed) window_.choices = {Chosen("a.ini")};
-      if (c.filed) OnSave(&window_);
+      if (c.filed) window_.choices = {Chosen("a.ini")}, OnSave(&window_);
       AddGun("Beta");
       const std::string after = c.after;
       const bool goesOn = c.answer == kYes || c.answer == kNo;
@@ -94,8 +88,8 @@ TEST_F(ShellTest, CommandsAfterTheQuestion) {
       window_.answers = {c.answer};
       if (c.save) window_.choices.push_back(*c.save ? Chosen(c.save) : "");
       if (c.save) expected.push_back("Save ini ");
-      if (goesOn && command == "open") window_.choices.push_back("");
       if (goesOn && command == "open") {
+        window_.choices.push_back("");
         expected.push_back("Open " + (after[0] == '1' ? after.substr(4) : ""));
       }
       if (command == "close") {
@@ -112,10 +106,8 @@ TEST_F(ShellTest, CommandsAfterTheQuestion) {
   }
 }
 
-// The directory follows each file chosen, in a save or an open, and a save under the known path
-// moves nothing and sets no caption. Save As proposes the present name. Open sets the caption
-// before the load and repaints after it; a file that can't be read leaves the document empty.
-// A save that fails still files the document under the new name, clean.
+// A save under the known path moves nothing and sets no caption; Open sets the caption before
+// the load and repaints after it; a failed save still files the document under the new name.
 TEST_F(ShellTest, DirectoryFollowsEveryChosenFile) {
   AddGun("Alpha");
   const std::string nowhere = systemPath(root_ + "/gone/x.ini");
@@ -149,8 +141,8 @@ TEST_F(ShellTest, DirectoryFollowsEveryChosenFile) {
                      "Message ERROR!|Unable to create " + nowhere + " for writing!"}));
 }
 
-// The question fits its 260 bytes: the title is cut, never inside a character. Only a gun
-// command that changed something (gave 1) marks the document, and none cleans it.
+// The question's title is cut to fit 260 bytes, never inside a character. Only a gun command
+// that changed something (gave 1) marks the document, and none cleans it.
 TEST_F(ShellTest, QuestionIsBoundedAndGunCommandsMarkTheDocument) {
   const std::string a(240, 'a'), e = "\xC3\xA9";
   const std::pair<std::string, std::string> cases[] = {
@@ -172,10 +164,8 @@ TEST_F(ShellTest, QuestionIsBoundedAndGunCommandsMarkTheDocument) {
   }
 }
 
-// The first run (the fixture's) has written the settings as the window opened, and writes them
-// again as it closes at once, back in the start-up directory though browsing moved the process.
-// A stale directory is kept; a run that opens a file elsewhere stores that directory. Positions
-// from the file wrap rather than overflow.
+// Written as the window opens and again as it closes, in the start-up directory wherever
+// browsing moved the process; a run that opens a file elsewhere stores that directory.
 TEST_F(ShellTest, SettingsAcrossRuns) {
   const std::string file = root_ + "/Tessarine.ini";
   EXPECT_EQ(readWholeFile(file), Settings(root_, 0, 0));

@@ -5,11 +5,32 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <functional>
 #include <string>
 #include <vector>
 
+#include "gun/gun_data.h"
+#include "gun/gun_list.h"
 #include "shell/window_seam.h"
+
+// The type names of GunList in list order, and the names a view's rows show ("?" unreadable):
+// the two must stay in step.
+inline std::vector<std::string> ListedNames() {
+  std::vector<std::string> names;
+  for (GunList.MoveFirst(); GunList.current; GunList.MoveNext()) {
+    names.push_back(static_cast<GunData*>(GunList.current->payload)->TypeName);
+  }
+  return names;
+}
+inline std::vector<std::string> RowNames(GunListView* view) {
+  std::vector<std::string> names;
+  char cell[GunListView::kCellSize];
+  for (int row = 0; row < view->RowCount(); row++) {
+    names.push_back(view->ReadCell(row, 0, cell) ? cell : "?");
+  }
+  return names;
+}
 
 // A single-selection list control of four cells a row; the modal parts answer from queues the
 // test fills, an unscripted one failing the test and cancelling. `calls` records, for instance,
@@ -28,9 +49,13 @@ class FakeWindow : public ShellWindow {
   std::string caption;
   WindowPlacement placement = {44, 0, 1, 100, 50, 500, 350};
 
-  std::string RowText(int row) const {  // the cells joined by '|'
-    const auto& cells = rows.at(row);
-    return cells[0] + "|" + cells[1] + "|" + cells[2] + "|" + cells[3];
+  // Scripts the next edit form to take this name, caliber 20, ROF 600 and MuzzleVel 800.
+  void AcceptForm(const std::string& name) {
+    forms.push_back([=](EditGunDialog* form) {
+      std::snprintf(form->TypeName, sizeof form->TypeName, "%s", name.c_str());
+      form->Caliber = 20, form->ROF = 600, form->MuzzleVel = 800;
+      return 1;
+    });
   }
   std::vector<std::string> Names() const {  // cell 0 of each row
     std::vector<std::string> names;
