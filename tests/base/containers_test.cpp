@@ -1,4 +1,4 @@
-// Tests of CursorList and GrowArray: cursors, inserts, removals, lookups, growth and no memory.
+// Tests of CursorList and GrowArray: cursors, inserts, removals, growth and no memory.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -89,24 +89,6 @@ TEST_F(ContainersTest, InsertBeforeCurrentKeepsTheIndexAndNoMemoryChangesNothing
   }
   EXPECT_EQ(names(list), (Names{"Gamma", "Alpha", "Beta", "", "Gamma"}));
   EXPECT_EQ(std::make_tuple(at(list), list.index), std::make_tuple(&alpha, 1));
-}
-
-TEST_F(ContainersTest, LookupTriesTheCursorFirstAndLeavesItOnTheFind) {
-  for (Named* payload : {&alpha, &beta, &gamma, &unnamed}) ASSERT_EQ(list.Append(payload), 1);
-  EXPECT_EQ(list.FindByName("ALPHA"), 1);
-  EXPECT_EQ(list.index, 0);
-  CursorNode* savedHead = list.head;
-  list.head = nullptr;  // only the shortcut through the cursor can find it now
-  EXPECT_EQ(list.FindByName("alpha"), 1);
-  list.head = savedHead;
-  EXPECT_EQ(list.FindByName("gamma"), 1);
-  EXPECT_EQ(list.index, 2);
-  EXPECT_EQ(list.FindByName("Delta"), 0);
-  EXPECT_EQ(std::make_tuple(list.current, list.index), std::make_tuple(nullptr, 4));
-  list.MoveToIndex(1);
-  EXPECT_EQ(list.FindByName(""), 0);  // never found, and the cursor stays
-  EXPECT_EQ(list.FindByName(nullptr), 0);
-  EXPECT_EQ(list.index, 1);
 }
 
 TEST(CursorListAfterHeap, DestructorDropsNodesOnceTheHeapIsGone) {
