@@ -176,17 +176,9 @@ TEST_F(FileManagerTest, TracesTheDocumentedMessages) {
        openedQ + "\nCatalog file " + q + " is still in use! (OpenFileCount = 1)"},
       {0, [&] { return open(q)() && (gFMG->CloseFile(gFMG->OpenFile("q.dat")), !close(q)()); },
        1, openedQ},
-      // No memory, from here on.
-      {1, openFile("disk.dat"), -1, "Unable to allocate memory for file handle!"},
-      {2, openFile("disk.dat"), -1, "Unable to add file handle list!"},
-      {1, openFile("p.dat"), -1, "File p.dat not found!"},
+      // No memory, from here on: what was made before the failure is given back.
       {2, openFile("p.dat"), -1, "Unable to add file handle list!\nFile p.dat not found!"},
-      {1, create("disk.dat"), -1, "Unable to allocate memory for file handle!"},
       {2, create("disk.dat"), -1, "Unable to add file handle list!"},
-      // A load allocates the object, each table's block and its one entry, then the list's node.
-      {1, open(q), 0, "Unable to allocate memory for catalog file " + q + "!"},
-      {3, open(q), 0, "Unable to allocate memory for catalog header!" + failed(q)},
-      {5, open(q), 0, "Unable to allocate memory for catalog extension!" + failed(q)},
       {6, open(q), 0, "Unable to append catalog " + q + " to the catalog list!"},
       {1, [] { return gFMG->PushDirectory(); }, 0,
        "Error PushDirectory - unable to allocate memory for " + cwd},
