@@ -56,7 +56,8 @@ TEST(PathUtil, JoinsAndSplitsByBackslashAndCutsAtTheSize) {
       {kJoin, "dir", "\xC3\xA9.ini", N, 6, "dir\\"},  // é is never cut in half
       {kJoin, longDir, "gun.ini", N, 0, std::string(259, 'd')},
       {kName, N, "gun", ".ini", 0, ".\\gun.ini"}, {kName, N, "gun.txt", "ini", 0, ".\\gun.txt"},
-      {kName, N, "a.b\\gun", "ini", 0, "a.b\\gun"}, {kName, "data", "gun", "ini", 11, "data\\gun.i"},
+      {kName, N, "a.b\\gun", "ini", 0, "a.b\\gun"},
+      {kName, "data", "gun", "ini", 11, "data\\gun.i"},
       {kDir, N, "c:\\data\\gun.ini", N, 0, "c:\\data"}, {kDir, N, "/home/ann/gun.ini", N, 0, ".\\"},
       {kExt, N, "gun.tar.gz", N, 0, "gz"}, {kExt, N, "a.b\\gun", N, 0, "b\\gun"},
       {kExt, N, "gun.ini", N, 3, "in"}, {kBase, N, "c:\\data\\gun.ini", N, 0, "gun.ini"},

@@ -26,7 +26,8 @@ TEST(StringUtil, CopyAndAppendFillStayInsideAndNeverCutASequence) {
     const char* expected;
   } cases[] = {
       {nullptr, "abcdef", 4, "abc"},   {nullptr, "abcdef", 7, "abcdef"},
-      {nullptr, "ab\xC3\xA9", 4, "ab"},  {nullptr, "a\xE2\x82\xAC" "b", 5, "a\xE2\x82\xAC"},  // é, €
+      {nullptr, "ab\xC3\xA9", 4, "ab"},  // é left out whole
+      {nullptr, "a\xE2\x82\xAC" "b", 5, "a\xE2\x82\xAC"},
       {"abc", "def", 5, "abcd"},       {"abc", "def", 4, "abc"},
       {"ab", "\xC3\xA9\xC3\xA9", 6, "ab\xC3\xA9"},
   };
