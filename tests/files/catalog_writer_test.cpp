@@ -21,7 +21,6 @@ const std::string kNul(1, '\0');
 
 class CatalogWriterTest : public KernelTest {
  protected:
-  // A source file in the test's directory, by system path.
   std::string Source(const std::string& name, const std::string& bytes) {
     writeWholeFile(dir_.file(name), bytes);
     return systemPath(dir_.file(name));

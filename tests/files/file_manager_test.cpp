@@ -18,7 +18,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Reads a handle of gFMG to its end in chunks of `chunk` bytes.
 std::string readToEnd(std::int32_t handle, std::uint32_t chunk = 7) {
   std::string bytes;
   char buffer[64];
@@ -42,7 +41,6 @@ class FileManagerTest : public KernelTest {
     if (gFMG->directoryStack.data) blocksAtStart_++;  // the stack keeps its slots until shutdown
     KernelTest::TearDown();
   }
-  // The system path of a file in the test's directory.
   std::string At(const std::string& name) const { return dirText_ + "\\" + name; }
   template <typename Catalog>
   void OpenCatalog(const std::string& name, const Catalog& writer) {
