@@ -6,30 +6,13 @@
 #include <cstring>
 #include <string>
 
-#include "kernel_fixture.h"
-#include "platform/host_heap.h"
-
-class StringUtilTest : public KernelTest {};
-
-TEST_F(StringUtilTest, DuplicateAndFree) {
-  EXPECT_EQ(strDuplicate(nullptr), nullptr);
-  char* empty = strDuplicate("");
-  EXPECT_STREQ(empty, "");
-  strFree(&empty);
-  EXPECT_EQ(empty, nullptr);
-  strFree(&empty);  // a second free does nothing
-  hostHeapFailNth(1);
-  EXPECT_EQ(strDuplicate("Alpha"), nullptr);
-}
-
 TEST(StringUtil, EqualsNeedsTwoNonEmptyTextsAndFoldsOnlyAToZ) {
   const struct {
     const char *a, *b;
     int caseSensitive, expected;
   } cases[] = {
-      {"", "", 1, 0},        {"", "", 0, 0},       {nullptr, "a", 0, 0},
-      {"abc", "ABC", 0, 1},  {"abc", "ABC", 1, 0}, {"abc", "abc", 1, 1},
-      {"abc", "abcd", 0, 0}, {"\xC3\xA9", "\xC3\x89", 0, 0},  // only a-z fold
+      {"", "", 1, 0},       {nullptr, "a", 0, 0},  {"abc", "ABC", 0, 1},
+      {"abc", "ABC", 1, 0}, {"abc", "abcd", 0, 0}, {"\xC3\xA9", "\xC3\x89", 0, 0},  // only a-z fold
   };
   for (const auto& c : cases)
     EXPECT_EQ(strEquals(c.a, c.b, c.caseSensitive), c.expected) << c.b << " " << c.caseSensitive;
@@ -43,12 +26,10 @@ TEST(StringUtil, CopyAndAppendFillStayInsideAndNeverCutASequence) {
     const char* expected;
   } cases[] = {
       {nullptr, "abcdef", 4, "abc"},   {nullptr, "abcdef", 7, "abcdef"},
-      {nullptr, "abcdef", 1, ""},      {nullptr, "ab\xC3\xA9", 4, "ab"},  // é left out whole
-      {nullptr, "ab\xC3\xA9", 5, "ab\xC3\xA9"},  {nullptr, "a\xE2\x82\xAC" "b", 4, "a"},  // €
-      {nullptr, "a\xE2\x82\xAC" "b", 5, "a\xE2\x82\xAC"}, {"abc", "def", 5, "abcd"},
-      {"abc", "def", 7, "abcdef"},     {"abc", "def", 4, "abc"},
-      {"abc", "", 8, "abc"},           {"", "def", 8, "def"},
-      {"ab", "\xC3\xA9\xC3\xA9", 5, "ab\xC3\xA9"}, {"ab", "\xC3\xA9\xC3\xA9", 6, "ab\xC3\xA9"},
+      {nullptr, "ab\xC3\xA9", 4, "ab"},  // é left out whole
+      {nullptr, "a\xE2\x82\xAC" "b", 5, "a\xE2\x82\xAC"},
+      {"abc", "def", 5, "abcd"},       {"abc", "def", 4, "abc"},
+      {"ab", "\xC3\xA9\xC3\xA9", 6, "ab\xC3\xA9"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string(c.start ? c.start : "copy") + "+" + c.source + " " +
@@ -77,11 +58,9 @@ TEST(StringUtil, CaseAndTrimInPlace) {
     char* (*change)(char*);
     const char* expected;
   } cases[] = {
-      {"abc-1.ini", strUpper, "ABC-1.INI"}, {"a\xE9z", strUpper, "A\xE9Z"},
-      {"ABC-1.INI", strLower, "abc-1.ini"}, {"\xC3\x89T\xC3\x89", strLower, "\xC3\x89t\xC3\x89"},
-      {"  a b \t", strTrim, "a b"},         {"   ", strTrim, ""},
-      {"", strTrim, ""},                    {"\v\f\r\na\xC2\xA0", strTrim, "a\xC2\xA0"},
-      {"x", strTrim, "x"},                  {"a  b", strTrim, "a  b"},
+      {"a\xE9z-1", strUpper, "A\xE9Z-1"},  {"\xC3\x89T\xC3\x89", strLower, "\xC3\x89t\xC3\x89"},
+      {"  a  b \t", strTrim, "a  b"},      {"   ", strTrim, ""},
+      {"\v\f\r\na\xC2\xA0", strTrim, "a\xC2\xA0"},
   };
   for (const auto& c : cases) {
     char buffer[32];

@@ -7,7 +7,6 @@
 #include <utility>
 #include <vector>
 
-// Little-endian 32-bit field.
 inline std::string le32(std::uint32_t value) {
   std::string bytes;
   for (int shift = 0; shift < 32; shift += 8) bytes.push_back(static_cast<char>(value >> shift));
@@ -26,9 +25,8 @@ inline std::string catalogField(std::int32_t length, const std::string& bytes) {
   return le32(length) + bytes;
 }
 
-// A catalog with names as given, odd ones included (lower case, no extension): the files end to
-// end behind the two tables, in the order added; the extension table holds each extension of
-// the names once.
+// A catalog with names as given, odd ones included (lower case, no extension), files in the
+// order added behind the two tables, each extension once.
 class RawCatalog {
  public:
   RawCatalog& Add(const std::string& name, const std::string& bytes) {

@@ -4,17 +4,15 @@
 #include <utility>
 #include <vector>
 
-// Collects (name, bytes) pairs and packs them with CatalogWriter, each name as given (the writer
-// stores it upper case). The kernel must be up; a refusal fails the test.
+// Packs (name, bytes) pairs with CatalogWriter, which stores the names upper case. The kernel
+// must be up; a refusal fails the test.
 class PackedCatalog {
  public:
   PackedCatalog& Add(const std::string& name, const std::string& bytes) {
     files_.emplace_back(name, bytes);
     return *this;
   }
-  // Writes the catalog at the host path `path`.
-  void WriteTo(const std::string& path) const;
-  // The catalog's bytes.
+  void WriteTo(const std::string& path) const;  // at a host path
   std::string Bytes() const;
 
  private:
