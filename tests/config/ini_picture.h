@@ -5,18 +5,14 @@
 
 #include "config/ini_file.h"
 
-// The position of the list's cursor (-1 for a null cursor), then its index.
 inline std::string cursorOf(const CursorList& list) {
   std::int32_t position = -1, at = 0;
-  for (CursorNode* n = list.head; n; n = n->next, at++) {
-    if (n == list.current) position = at;
-  }
+  for (CursorNode* n = list.head; n; n = n->next, at++) position = n == list.current ? at : position;
   return std::to_string(position) + "/" + std::to_string(list.index);
 }
 
-// "[name]k=v,k2=(null);[name2]..." in list order, without moving a cursor. The object's own
-// strings show as (empty), (true), (false); `views` adds ":type:int:float" to each value, and
-// `cursors` each list's cursor, as "{position/index}", ahead of its names.
+// "[name]k=v,k2=(null);[name2]..." without moving a cursor; the object's own strings show as (empty),
+// (true), (false). `views` adds ":type:int:float" to each value, `cursors` "{position/index}".
 inline std::string iniPicture(const IniFile& ini, bool views = false, bool cursors = false) {
   std::ostringstream out;
   if (cursors) out << "{" << cursorOf(ini.sections) << "}";
