@@ -315,11 +315,16 @@ int CheckGunText(GunTextScan* scan) {
   return count;
 }
 
+bool GunValueIsKept(const GunKey& key, std::string_view value) {
+  std::vector<std::string> changes;
+  valueChanges(key, value, &changes);
+  return changes.empty();
+}
+
 bool GunTextIsPlain(const IniFile& ini) {
   if (ini.irregularLines != 0 || ini.sections.count == 0) return false;
   constexpr std::size_t keyCount = kGunKeyCount;
   int number = 0;
-  std::vector<std::string> changes;
   for (const CursorNode* node = ini.sections.head; node; node = node->next) {
     const auto* section = static_cast<const IniSection*>(node->payload);
     char expected[kGunSectionNameSize];
@@ -335,8 +340,7 @@ bool GunTextIsPlain(const IniFile& ini) {
         if (std::strcmp(key->name, kGunKeys[next].name) == 0) break;
       }
       if (tried == keyCount) return false;
-      valueChanges(kGunKeys[next], key->stringValue ? key->stringValue : "", &changes);
-      if (!changes.empty()) return false;
+      if (!GunValueIsKept(kGunKeys[next], key->stringValue ? key->stringValue : "")) return false;
       next = (next + 1) % keyCount;
     }
   }
