@@ -72,7 +72,10 @@ bool readPlainDecimal(std::string_view text, PlainDecimal* out) {
   std::size_t i = !text.empty() && text[0] == '-' ? 1 : 0;
   std::size_t start = i;
   long whole = 0;
-  for (; i < text.size() && isDigit(text[i]); i++) whole = whole * 10 + (text[i] - '0');
+  for (; i < text.size() && isDigit(text[i]); i++) {
+    // A longer whole part is refused below; reading on would overflow.
+    if (i - start < 9) whole = whole * 10 + (text[i] - '0');
+  }
   std::size_t point = i;
   if (point == start || point - start > 9 || point == text.size() || text[point] != '.' ||
       text.size() - point > 7) {
