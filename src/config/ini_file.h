@@ -150,3 +150,5 @@ class IniFile {
 // returns 0 with color untouched when the value has fewer than two commas (or ini or color is
 // null). Reads the key as IniGetString does, with "" as the default.
 int IniGetColor(float* color, IniFile* ini, const char* section, const char* key);
+// The reading of IniGetColor from a copy of the value: `text` is cut at its commas.
+int IniReadColor(float* color, char* text);

@@ -224,6 +224,10 @@ int IniGetColor(float* color, IniFile* ini, const char* section, const char* key
   if (!color || !ini) return 0;
   char text[kTextSize];
   ini->IniGetString(section, key, "", text, kTextSize, 0);
+  return IniReadColor(color, text);
+}
+
+int IniReadColor(float* color, char* text) {
   char* green = std::strchr(text, ',');
   if (!green) return 0;
   *green++ = '\0';

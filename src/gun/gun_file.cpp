@@ -3,15 +3,18 @@
 
 #include <bit>
 #include <cstddef>
+#include <cstdio>
 #include <cstring>
 
 #include "base/memory_manager.h"
 #include "base/path_util.h"
+#include "base/string_util.h"
 #include "config/ini_file.h"
 #include "files/file_manager.h"
 #include "gun/gun_commands.h"
 #include "gun/gun_data.h"
 #include "gun/gun_list.h"
+#include "platform/host_file.h"
 #include "platform/number_text.h"
 
 // Records go to the .dat file in their memory form, which must be the file's little-endian form.
@@ -113,19 +116,99 @@ void writeKey(IniFile* ini, const char* section, const GunKey& key, const GunDat
   }
 }
 
-// One gun of the file in a new zero-filled record with its derived values; null without memory.
-GunData* loadGun(IniFile* ini, int number) {
-  auto* record = static_cast<GunData*>(memAlloc(sizeof(GunData)));
-  if (!record) return nullptr;
-  std::memset(record, 0, sizeof(GunData));
-  char section[kGunSectionNameSize];
-  GunSectionName(section, number);
-  for (const GunKey& key : kGunKeys) readKey(ini, section, key, record);
-  GunDataDerive(record);
-  return record;
+// The text of a save, gathered in one block. It counts the bytes the same save through an
+// IniFile would copy into that file's arena: every section name, key name and text value that
+// isn't empty, each with its terminator. A put that would outgrow the block or the arena fails.
+struct SaveText {
+  char* data;
+  std::size_t used = 0;
+  std::size_t arenaBytes = 0;
+
+  bool Put(const char* text, std::size_t length) {
+    if (length > static_cast<std::size_t>(IniFile::kArenaSize) - used) return false;
+    std::memcpy(data + used, text, length);
+    used += length;
+    return true;
+  }
+  bool Put(const char* text) { return Put(text, std::strlen(text)); }
+  bool Arena(const char* text) {
+    arenaBytes += std::strlen(text) + 1;
+    return arenaBytes <= static_cast<std::size_t>(IniFile::kArenaSize);
+  }
+};
+
+// "name=value" of a text key as the IniFile stores it: the copy of the value is trimmed.
+bool putText(SaveText* out, const char* value) {
+  if (value[0] != '\0' && !out->Arena(value)) return false;
+  char trimmed[kColorTextSize];
+  std::strcpy(trimmed, value);
+  strTrim(trimmed);
+  return out->Put(trimmed);
+}
+
+// One key line; false when a text field has no terminator inside it, or the text is too long.
+bool putKey(SaveText* out, const GunKey& key, const GunData* record) {
+  const char* field = reinterpret_cast<const char*>(record) + key.offset;
+  if (!out->Arena(key.name) || !out->Put(key.name) || !out->Put("=", 1)) return false;
+  bool put = true;
+  switch (key.kind) {
+    case GunKeyKind::kText: {
+      auto size = static_cast<std::size_t>(key.size);
+      put = strnlen(field, size) < size && putText(out, field);
+      break;
+    }
+    case GunKeyKind::kFloat: {
+      float value;
+      std::memcpy(&value, field, sizeof value);
+      char number[64];
+      put = out->Put(number, numFormatFixed(number, sizeof number, static_cast<double>(value), 6));
+      break;
+    }
+    case GunKeyKind::kBool:
+      put = out->Put(record->AddLight ? "TRUE" : "FALSE");
+      break;
+    case GunKeyKind::kColor: {
+      char text[kColorTextSize];
+      colorText(text, record->FireColor);
+      put = putText(out, text);
+      break;
+    }
+  }
+  return put && out->Put("\n", 1);
+}
+
+// The text file of the list written straight from the records. Its bytes are those an IniFile
+// given every key in turn writes, which is what a save makes wherever that IniFile takes every
+// key: so this is used only where each text field ends inside its field and the arena would
+// hold all the copies. False, with nothing written, where that isn't so or there's no memory.
+bool saveTextDirect(const char* path) {
+  SaveText out{static_cast<char*>(memAlloc(IniFile::kArenaSize))};
+  if (!out.data) return false;
+  bool fits = true;
+  int number = 1;
+  for (GunList.MoveFirst(); fits && GunList.current; GunList.MoveNext()) {
+    char section[kGunSectionNameSize];
+    GunSectionName(section, number++);
+    fits = out.Arena(section) && out.Put("[", 1) && out.Put(section) && out.Put("]\n", 2);
+    const auto* record = static_cast<const GunData*>(GunList.current->payload);
+    for (const GunKey& key : kGunKeys) fits = fits && putKey(&out, key, record);
+    fits = fits && out.Put("\n", 1);
+  }
+  if (fits) {
+    char name[kPathSize];
+    name[0] = '\0';
+    fmgCheckFilename(nullptr, path, "INI", name, kPathSize);
+    if (std::FILE* file = hostFileOpenStream(name, "w")) {
+      std::fwrite(out.data, 1, out.used, file);
+      std::fclose(file);
+    }
+  }
+  memFree(out.data);
+  return fits;
 }
 
 void saveText(const char* path) {
+  if (saveTextDirect(path)) return;
   IniFile ini(path, 0, 1);
   int number = 1;
   for (GunList.MoveFirst(); GunList.current; GunList.MoveNext()) {
@@ -151,11 +234,21 @@ void GunFileLoad(GunListView* view, const char* path) {
 }
 
 void GunFileLoadParsed(GunListView* view, IniFile* ini) {
-  std::int32_t count = ini->IniCountSections(kSectionFormat);
+  GunListLoad(view, ini->IniCountSections(kSectionFormat), [ini](int number, GunData* record) {
+    char section[kGunSectionNameSize];
+    GunSectionName(section, number);
+    for (const GunKey& key : kGunKeys) readKey(ini, section, key, record);
+  });
+}
+
+void GunListLoad(GunListView* view, int count, const std::function<void(int, GunData*)>& fill) {
   int row = GunList.count;
   for (int number = 1; number <= count; number++) {
-    GunData* record = loadGun(ini, number);
+    auto* record = static_cast<GunData*>(memAlloc(sizeof(GunData)));
     if (!record) continue;
+    std::memset(record, 0, sizeof(GunData));
+    fill(number, record);
+    GunDataDerive(record);
     // A record without a node is dropped together with its row, so both stay in step.
     if (!GunList.Append(record)) {
       memFree(record);

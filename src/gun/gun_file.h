@@ -2,9 +2,11 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 
 class GunListView;
 class IniFile;
+struct GunData;
 
 enum class GunKeyKind { kText, kFloat, kBool, kColor };
 
@@ -34,6 +36,11 @@ void GunFileLoad(GunListView* view, const char* path);
 // The part of GunFileLoad behind the read: appends the guns of `ini` to GunList and the view's
 // rows, then selects row 0. For a caller that looks at the parsed file first.
 void GunFileLoadParsed(GunListView* view, IniFile* ini);
+
+// Appends `count` guns to GunList and the view's rows, then selects row 0. Gun `number` (from 1)
+// is a zero-filled record that `fill` gives its keys, then its derived values; a gun without
+// memory is left out.
+void GunListLoad(GunListView* view, int count, const std::function<void(int, GunData*)>& fill);
 
 // Writes the .dat sibling of `path` (the gun count, then each 560-byte record in list order),
 // then the text file. Returns 1 when the .dat file could be created; else shows "Unable to

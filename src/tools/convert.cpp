@@ -16,6 +16,7 @@
 #include "tools/gun_dump.h"
 #include "tools/gun_from_dat.h"
 #include "tools/gun_safe_save.h"
+#include "tools/gun_saved_text.h"
 #include "tools/gun_text_scan.h"
 #include "tools/tool_files.h"
 #include "tools/tool_kernel.h"
@@ -147,6 +148,7 @@ bool reportLoad(const char* name, bool allowLoss, int* guns, std::FILE* err) {
 // which then costs no scan), with the number of guns it holds; false, with nothing loaded, when
 // the source needs the scan.
 bool loadPlain(GunListView* view, const char* source, int* guns) {
+  if (GunLoadSavedText(view, source, guns)) return true;
   IniFile ini(source, 0, 0);
   if (!GunTextIsPlain(ini)) return false;
   *guns = ini.sections.count;

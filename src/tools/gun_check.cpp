@@ -72,7 +72,10 @@ bool readPlainDecimal(std::string_view text, PlainDecimal* out) {
   std::size_t i = !text.empty() && text[0] == '-' ? 1 : 0;
   std::size_t start = i;
   long whole = 0;
-  for (; i < text.size() && isDigit(text[i]); i++) whole = whole * 10 + (text[i] - '0');
+  for (; i < text.size() && isDigit(text[i]); i++) {
+    // A longer whole part is refused below; reading on would overflow.
+    if (i - start < 9) whole = whole * 10 + (text[i] - '0');
+  }
   std::size_t point = i;
   if (point == start || point - start > 9 || point == text.size() || text[point] != '.' ||
       text.size() - point > 7) {
@@ -315,11 +318,16 @@ int CheckGunText(GunTextScan* scan) {
   return count;
 }
 
+bool GunValueIsKept(const GunKey& key, std::string_view value) {
+  std::vector<std::string> changes;
+  valueChanges(key, value, &changes);
+  return changes.empty();
+}
+
 bool GunTextIsPlain(const IniFile& ini) {
   if (ini.irregularLines != 0 || ini.sections.count == 0) return false;
   constexpr std::size_t keyCount = kGunKeyCount;
   int number = 0;
-  std::vector<std::string> changes;
   for (const CursorNode* node = ini.sections.head; node; node = node->next) {
     const auto* section = static_cast<const IniSection*>(node->payload);
     char expected[kGunSectionNameSize];
@@ -335,8 +343,7 @@ bool GunTextIsPlain(const IniFile& ini) {
         if (std::strcmp(key->name, kGunKeys[next].name) == 0) break;
       }
       if (tried == keyCount) return false;
-      valueChanges(kGunKeys[next], key->stringValue ? key->stringValue : "", &changes);
-      if (!changes.empty()) return false;
+      if (!GunValueIsKept(kGunKeys[next], key->stringValue ? key->stringValue : "")) return false;
       next = (next + 1) % keyCount;
     }
   }

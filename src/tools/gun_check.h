@@ -4,11 +4,13 @@
 #include <cstdio>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tools/gun_text_scan.h"
 
 class IniFile;
+struct GunKey;
 struct GunData;
 
 // Adds to `scan` a finding for every gun section the load passes over (a gap in the numbering,
@@ -24,6 +26,10 @@ int CheckGunText(GunTextScan* scan);
 // order and no others, and every key is a known one, once in its section, with a value the load
 // keeps as written. False says only that the file needs the scan and CheckGunText.
 bool GunTextIsPlain(const IniFile& ini);
+
+// True when the load keeps `value` of `key`, as the load stores it (trimmed), as written: the
+// check finds nothing to say of it.
+bool GunValueIsKept(const GunKey& key, std::string_view value);
 
 // How many of the findings are of `kind`.
 int CountFindings(const GunTextScan& scan, FindingKind kind);
