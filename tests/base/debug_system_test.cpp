@@ -1,4 +1,3 @@
-// Tests of the DebugSystem log: gating, levels, line formats and the two stream modes.
 #include "base/debug_system.h"
 
 #include <gtest/gtest.h>
@@ -11,10 +10,9 @@
 // A log made with the switch on, writing to `path`.
 class DebugLogTest : public ::testing::Test {
  protected:
-  void SetUp() override { Make(path.c_str()); }
-  void Make(const char* name) {
+  void SetUp() override {
     dbgSetLogSwitch(1);
-    log.Init(name);
+    log.Init(path.c_str());
     dbgSetLogSwitch(0);
   }
   void TraceTagged(const char* tag, int level, const char* format, ...) {
@@ -40,8 +38,7 @@ TEST_F(DebugLogTest, ModeZeroWritesToTheOpenStreamAndModeOneClosesIt) {
   EXPECT_EQ(log.stream, nullptr);
   log.Trace(3, "%s", std::string(3000, 'y').c_str());  // cut inside the 1024-byte line buffer
   EXPECT_EQ(readWholeFile(path), "MSG|flushed at once\nERR|" + std::string(1019, 'y'));
-  Make("");  // mode 1 without a file name: a line goes only to a stream opened by hand
-  log.SetThreshold(0);
+  log.fileName[0] = '\0';  // mode 1 without a name: a line goes only to a stream opened by hand
   log.stream = std::fopen(path.c_str(), "w");
   log.Trace(2, "by hand");
   EXPECT_EQ(log.stream, nullptr) << "closed after the line";
