@@ -29,59 +29,46 @@ Payloads payloads(const CursorList& list) {
   return out;
 }
 
-Where where(const CursorList& list) {
-  return {list.current ? list.current->payload : nullptr, list.index};
-}
-
 class ContainersTest : public KernelTest {
  protected:
+  Where where() const { return {list.current ? list.current->payload : nullptr, list.index}; }
   CursorList list;
   GrowArray array;
 };
 
 }  // namespace
 
-TEST_F(ContainersTest, CursorMovesStopPastTheTailAndRemoveCurrentMovesOn) {
+TEST_F(ContainersTest, CursorMovesStopPastTheTailAndInsertsAndRemovalsKeepItInStep) {
   list.MoveFirst();
-  EXPECT_EQ(where(list), Where(nullptr, -1));
-  for (int* payload : {&a, &b, &c}) ASSERT_EQ(list.Append(payload), 1);
-  EXPECT_EQ(where(list), Where(&c, 2));
+  EXPECT_EQ(where(), Where(nullptr, -1));
+  // Into an empty list, ahead of the head, ahead of the tail, and past the tail: ahead of the head.
+  using Insert = std::tuple<int, int*, int>;  // cursor moved to, payload, index after
+  for (auto [position, payload, index] : {Insert{0, &b, 0}, {0, &a, 0}, {1, &c, 1}, {9, &d, 3}}) {
+    list.MoveToIndex(position);
+    ASSERT_EQ(list.InsertBeforeCurrent(payload), 1);
+    EXPECT_EQ(list.index, index) << position;
+  }
+  EXPECT_EQ(payloads(list), (Payloads{&d, &a, &c, &b}));
   using Move = std::tuple<int, int, Where>;  // MoveToIndex, then MoveNexts, and where to
-  for (auto [position, nexts, expected] : {Move{-5, 0, {&a, 0}}, {1, 0, {&b, 1}},
-                                           {2, 1, {nullptr, 3}}, {2, 2, {nullptr, 3}},
-                                           {99, 0, {nullptr, 3}}}) {
+  for (auto [position, nexts, expected] : {Move{-5, 0, {&d, 0}}, {1, 0, {&a, 1}},
+                                           {3, 1, {nullptr, 4}}, {3, 2, {nullptr, 4}},
+                                           {99, 0, {nullptr, 4}}}) {
     list.MoveToIndex(position);
     for (int i = 0; i < nexts; i++) list.MoveNext();
-    EXPECT_EQ(where(list), expected) << position << "+" << nexts;
+    EXPECT_EQ(where(), expected) << position << "+" << nexts;
   }
-  list.MoveToIndex(1);
-  // A middle node gives way to the next one, the tail to the new tail, the last node to none.
-  for (Where expected : {Where{&c, 1}, {&a, 0}, {nullptr, -1}}) {
-    list.RemoveCurrent();
-    EXPECT_EQ(where(list), expected);
-  }
-  EXPECT_EQ(payloads(list), Payloads{});
-}
-
-TEST_F(ContainersTest, InsertBeforeCurrentKeepsTheIndexAndNoMemoryChangesNothing) {
-  ASSERT_EQ(list.InsertBeforeCurrent(&b), 1);  // into an empty list
-  ASSERT_EQ(list.InsertBeforeCurrent(&a), 1);  // ahead of the head
-  EXPECT_EQ(list.index, 0);
-  ASSERT_EQ(list.Append(&c), 1);
-  list.MoveToIndex(2);
-  ASSERT_EQ(list.InsertBeforeCurrent(&d), 1);  // ahead of the tail
-  EXPECT_EQ(list.index, 2);
-  list.MoveToIndex(9);  // past the tail: ahead of the head, index untouched
-  ASSERT_EQ(list.InsertBeforeCurrent(&c), 1);
-  EXPECT_EQ(list.index, 4);
   list.MoveToIndex(1);
   for (auto add : {&CursorList::Append, &CursorList::InsertBeforeCurrent}) {
     hostHeapFailNth(1);
     EXPECT_EQ((list.*add)(&b), 0);
   }
-  EXPECT_EQ(payloads(list), (Payloads{&c, &a, &b, &d, &c}));
-  EXPECT_EQ(where(list), Where(&a, 1));
-  list.Clear();
+  EXPECT_EQ(payloads(list), (Payloads{&d, &a, &c, &b}));
+  // A middle node gives way to the next one, the tail to the new tail, the last node to none.
+  for (Where expected : {Where{&c, 1}, {&b, 1}, {&d, 0}, {nullptr, -1}}) {
+    list.RemoveCurrent();
+    EXPECT_EQ(where(), expected);
+  }
+  EXPECT_EQ(payloads(list), Payloads{});
 }
 
 // Made with 1 to 65534 zeroed slots, or from 8 slots doubling up to 32768, refusing the 32769th
@@ -105,15 +92,13 @@ TEST_F(ContainersTest, ArrayGrowsByDoublingWithinItsLimits) {
   array.MoveNext();
   array.MoveNext();  // the cursor stops at count
   EXPECT_EQ(array.current, 32768);
-  array.Clear();
+  ASSERT_EQ(array.Create(30000), 1);
   array.MoveFirst();
   EXPECT_EQ(array.current, -1);  // empty
+  for (int result : {1, 0}) EXPECT_EQ(array.Grow(), result);
+  EXPECT_EQ(array.capacity, 60000);
   array.fixed = 1;
   ASSERT_EQ(array.Create(2), 1);
   for (int result : {1, 1, 0}) EXPECT_EQ(array.Append(&a), result);
-  array.fixed = 0;
-  ASSERT_EQ(array.Create(30000), 1);
-  for (int result : {1, 0}) EXPECT_EQ(array.Grow(), result);
-  EXPECT_EQ(array.capacity, 60000);
   array.Clear();
 }
