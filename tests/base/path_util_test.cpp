@@ -3,10 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <filesystem>
 #include <string>
-
-#include "kernel_fixture.h"
 
 namespace {
 
@@ -38,7 +35,6 @@ std::string run(Helper helper, const char* directory, const char* text,
 
 TEST(PathUtil, JoinsAndSplitsByBackslashAndCutsAtTheSize) {
   const std::string longDirectory(300, 'd');
-  const char* const longDir = longDirectory.c_str();
   const struct {
     Helper helper;
     const char *directory, *text, *extension;
@@ -50,7 +46,7 @@ TEST(PathUtil, JoinsAndSplitsByBackslashAndCutsAtTheSize) {
       {kJoin, "data", "sub\\gun.ini", N, 0, "sub\\gun.ini"},
       {kJoin, "data", "gun.ini", N, 9, "data\\gun"},
       {kJoin, "dir", "\xC3\xA9.ini", N, 6, "dir\\"},  // é is never cut in half
-      {kJoin, longDir, "gun.ini", N, 0, std::string(259, 'd')},
+      {kJoin, longDirectory.c_str(), "gun.ini", N, 0, std::string(259, 'd')},
       {kName, N, "gun", ".ini", 0, ".\\gun.ini"}, {kName, N, "gun.txt", "ini", 0, ".\\gun.txt"},
       {kName, N, "a.b\\gun", "ini", 0, "a.b\\gun"},
       {kName, "data", "gun", "ini", 11, "data\\gun.i"},
@@ -66,24 +62,10 @@ TEST(PathUtil, JoinsAndSplitsByBackslashAndCutsAtTheSize) {
         << "helper " << c.helper << " " << c.text << " " << c.size;
   }
   // Null or empty input clears the output.
-  for (Helper helper : {kJoin, kName, kDir, kExt, kBase, kSetExt}) {
+  for (Helper helper : {kJoin, kName, kDir, kExt, kBase, kSetExt})
     for (const char* text : {N, ""}) EXPECT_EQ(run(helper, "data", text, "ini", 260), "") << helper;
-  }
   fmgGetFilePath(nullptr, nullptr, 260);  // a null output is tolerated at that point
   char path[260] = "data\\gun.ini";  // in place, as the gun save does
   fmgSetFileExtension(path, "dat", path, sizeof path);
   EXPECT_STREQ(path, "data\\gun.dat");
-}
-
-TEST(PathUtil, CurrentDirectoryInBackslashForm) {
-  TempDir dir;
-  char saved[260], now[260], small[4] = "abc";
-  fmgGetCurrentDirectory(saved, sizeof saved);
-  EXPECT_EQ(fmgSetCurrentDirectory(systemPath(dir.path()).c_str()), 1);
-  fmgGetCurrentDirectory(now, sizeof now);
-  EXPECT_EQ(std::string(now), systemPath(std::filesystem::current_path()));
-  for (const char* refused : {N, "", "\\no\\such"}) EXPECT_EQ(fmgSetCurrentDirectory(refused), 0);
-  fmgGetCurrentDirectory(small, sizeof small);  // too small a buffer is cleared, not cut
-  EXPECT_STREQ(small, "");
-  EXPECT_EQ(fmgSetCurrentDirectory(saved), 1);
 }
