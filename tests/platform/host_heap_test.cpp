@@ -22,10 +22,8 @@ TEST(HostHeap, KeepsBlocksApartAcrossSizesSlabsAndReuse) {
       blocks.emplace_back(block, size);
     }
     // Every other block of every third round goes back, so that its space is reused.
-    for (std::size_t i = blocks.size() - 10 + round % 2; round % 3 == 2 && i < blocks.size();
-         i += 2) {
+    for (auto i = blocks.size() - 10 + round % 2; round % 3 == 2 && i < blocks.size(); i += 2)
       hostHeapFree(heap, std::exchange(blocks[i].first, nullptr));
-    }
   }
   std::int64_t live = 0, bytes = 0;
   for (std::size_t i = 0; i < blocks.size(); i++) {
