@@ -48,11 +48,11 @@ TEST_F(ContainersTest, CursorMovesStopPastTheTailAndInsertsAndRemovalsKeepItInSt
     ASSERT_EQ(list.InsertBeforeCurrent(payload), 1);
     EXPECT_EQ(list.index, index) << position;
   }
-  EXPECT_EQ(payloads(list), (Payloads{&d, &a, &c, &b}));
+  ASSERT_EQ(list.Append(&a), 1);
   using Move = std::tuple<int, int, Where>;  // MoveToIndex, then MoveNexts, and where to
   for (auto [position, nexts, expected] : {Move{-5, 0, {&d, 0}}, {1, 0, {&a, 1}},
-                                           {3, 1, {nullptr, 4}}, {3, 2, {nullptr, 4}},
-                                           {99, 0, {nullptr, 4}}}) {
+                                           {4, 1, {nullptr, 5}}, {4, 2, {nullptr, 5}},
+                                           {99, 0, {nullptr, 5}}}) {
     list.MoveToIndex(position);
     for (int i = 0; i < nexts; i++) list.MoveNext();
     EXPECT_EQ(where(), expected) << position << "+" << nexts;
@@ -62,9 +62,9 @@ TEST_F(ContainersTest, CursorMovesStopPastTheTailAndInsertsAndRemovalsKeepItInSt
     hostHeapFailNth(1);
     EXPECT_EQ((list.*add)(&b), 0);
   }
-  EXPECT_EQ(payloads(list), (Payloads{&d, &a, &c, &b}));
+  EXPECT_EQ(payloads(list), (Payloads{&d, &a, &c, &b, &a}));
   // A middle node gives way to the next one, the tail to the new tail, the last node to none.
-  for (Where expected : {Where{&c, 1}, {&b, 1}, {&d, 0}, {nullptr, -1}}) {
+  for (Where expected : {Where{&c, 1}, {&b, 1}, {&a, 1}, {&d, 0}, {nullptr, -1}}) {
     list.RemoveCurrent();
     EXPECT_EQ(where(), expected);
   }
