@@ -1,21 +1,14 @@
-// Tests of the path helpers: the backslash rules, the cuts at `size`, and null or empty input.
 #include "base/path_util.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <filesystem>
 #include <string>
-
-#include "kernel_fixture.h"
 
 namespace {
 
 // The helpers, called through one signature: directory, name or path, extension, output, size.
 enum Helper { kJoin, kName, kDir, kExt, kBase, kSetExt };
-const char* const kHelperNames[] = {"fmgCheckFilePath",  "fmgCheckFilename",
-                                    "fmgGetFilePath",    "fmgGetFileExtension",
-                                    "fmgRemoveFilePath", "fmgSetFileExtension"};
 void call(Helper helper, const char* d, const char* t, const char* e, char* o, int s) {
   switch (helper) {
     case kJoin: return fmgCheckFilePath(d, t, o, s);
@@ -34,7 +27,7 @@ std::string run(Helper helper, const char* directory, const char* text,
   char output[300];
   std::memset(output, 'x', sizeof output);
   call(helper, directory, text, extension, output, size);
-  EXPECT_EQ(std::string(output + size, 4), "xxxx") << kHelperNames[helper] << " past " << size;
+  EXPECT_EQ(std::string(output + size, 4), "xxxx") << "helper " << helper << " past " << size;
   return std::string(output, strnlen(output, static_cast<std::size_t>(size)));
 }
 
@@ -42,7 +35,6 @@ std::string run(Helper helper, const char* directory, const char* text,
 
 TEST(PathUtil, JoinsAndSplitsByBackslashAndCutsAtTheSize) {
   const std::string longDirectory(300, 'd');
-  const char* const longDir = longDirectory.c_str();
   const struct {
     Helper helper;
     const char *directory, *text, *extension;
@@ -54,7 +46,7 @@ TEST(PathUtil, JoinsAndSplitsByBackslashAndCutsAtTheSize) {
       {kJoin, "data", "sub\\gun.ini", N, 0, "sub\\gun.ini"},
       {kJoin, "data", "gun.ini", N, 9, "data\\gun"},
       {kJoin, "dir", "\xC3\xA9.ini", N, 6, "dir\\"},  // é is never cut in half
-      {kJoin, longDir, "gun.ini", N, 0, std::string(259, 'd')},
+      {kJoin, longDirectory.c_str(), "gun.ini", N, 0, std::string(259, 'd')},
       {kName, N, "gun", ".ini", 0, ".\\gun.ini"}, {kName, N, "gun.txt", "ini", 0, ".\\gun.txt"},
       {kName, N, "a.b\\gun", "ini", 0, "a.b\\gun"},
       {kName, "data", "gun", "ini", 11, "data\\gun.i"},
@@ -67,37 +59,13 @@ TEST(PathUtil, JoinsAndSplitsByBackslashAndCutsAtTheSize) {
   };
   for (const auto& c : cases) {
     EXPECT_EQ(run(c.helper, c.directory, c.text, c.extension, c.size ? c.size : 260), c.expected)
-        << kHelperNames[c.helper] << " " << c.text << " " << c.size;
+        << "helper " << c.helper << " " << c.text << " " << c.size;
   }
+  // Null or empty input clears the output.
+  for (Helper helper : {kJoin, kName, kDir, kExt, kBase, kSetExt})
+    for (const char* text : {N, ""}) EXPECT_EQ(run(helper, "data", text, "ini", 260), "") << helper;
+  fmgGetFilePath(nullptr, nullptr, 260);  // a null output is tolerated at that point
   char path[260] = "data\\gun.ini";  // in place, as the gun save does
   fmgSetFileExtension(path, "dat", path, sizeof path);
   EXPECT_STREQ(path, "data\\gun.dat");
-}
-
-class PathUtilReport : public KernelTest {};
-
-TEST_F(PathUtilReport, NullOrEmptyInputClearsTheOutputAndTraces) {
-  for (Helper helper : {kJoin, kName, kDir, kExt, kBase, kSetExt}) {
-    for (const char* text : {N, ""}) {
-      TraceCapture traces;
-      EXPECT_EQ(run(helper, "data", text, "ini", 260), "") << kHelperNames[helper];
-      const std::string trace = std::string("MSG|") + kHelperNames[helper] +
-                                ": NULL string passed in as argument, no action taken.";
-      EXPECT_EQ(traces.Lines(), std::vector<std::string>{trace});
-    }
-  }
-  fmgGetFilePath(nullptr, nullptr, 260);  // a null output is tolerated at that point
-}
-
-TEST(PathUtil, CurrentDirectoryInBackslashForm) {
-  TempDir dir;
-  char saved[260], now[260], small[4] = "abc";
-  fmgGetCurrentDirectory(saved, sizeof saved);
-  EXPECT_EQ(fmgSetCurrentDirectory(systemPath(dir.path()).c_str()), 1);
-  fmgGetCurrentDirectory(now, sizeof now);
-  EXPECT_EQ(std::string(now), systemPath(std::filesystem::current_path()));
-  for (const char* refused : {N, "", "\\no\\such"}) EXPECT_EQ(fmgSetCurrentDirectory(refused), 0);
-  fmgGetCurrentDirectory(small, sizeof small);  // too small a buffer is cleared, not cut
-  EXPECT_STREQ(small, "");
-  EXPECT_EQ(fmgSetCurrentDirectory(saved), 1);
 }

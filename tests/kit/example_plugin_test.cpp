@@ -1,11 +1,9 @@
-// Loads the example plug-in built against the installed kit (tests/kit/build_example_plugin.sh)
-// and calls the interface it registered.
+// Run by build_example_plugin.sh on the example plug-in it built against the installed kit.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <filesystem>
 
-#include "base/path_util.h"
 #include "example_plugin.h"
 #include "kernel_fixture.h"
 #include "services/dll_library_manager.h"
@@ -17,9 +15,8 @@ TEST_F(KernelTest, ExamplePluginReadsThroughTheKernelAndRegistersItsInterface) {
   TempDir dir;
   std::filesystem::copy_file(built, dir.file("EXAMPLE.DLL"));
   writeWholeFile(dir.file("EXAMPLE.TXT"), "Hello from the kernel's files");
-  char startDirectory[260];
-  fmgGetCurrentDirectory(startDirectory, 260);
-  ASSERT_EQ(fmgSetCurrentDirectory(systemPath(dir.path()).c_str()), 1);
+  const std::filesystem::path startDirectory = std::filesystem::current_path();
+  std::filesystem::current_path(dir.path());
 
   ASSERT_EQ(gDLL->LoadDll("EXAMPLE"), 1);
   ExampleInterface* example = nullptr;
@@ -32,5 +29,5 @@ TEST_F(KernelTest, ExamplePluginReadsThroughTheKernelAndRegistersItsInterface) {
   gDLL->FreeAll();
   EXPECT_EQ(gDLL->libraries.count, 0);
   EXPECT_EQ(imGet(gIM, "EXA", &example), 0);  // gone with ExitDLL, and so is its block
-  fmgSetCurrentDirectory(startDirectory);
+  std::filesystem::current_path(startDirectory);
 }

@@ -1,4 +1,3 @@
-// Tests for the locale-independent number text, held against the C library in the "C" locale.
 #include "platform/number_text.h"
 
 #include <gtest/gtest.h>
@@ -58,16 +57,15 @@ std::vector<std::string> convert(const Inputs& in, bool ours) {
     std::snprintf(text, sizeof text, "%llu", static_cast<unsigned long long>(bitsOf(value)));
     add(t.substr(0, 60) + " (" + std::to_string(t.size()) + ")", 0);
   }
+  using Format = std::pair<const char*, int>;  // the C library's format, and its precision
   for (double value : in.doubles) {
-    const std::string bits = std::to_string(bitsOf(value));
-    for (int decimals : {6, 1, 0, -1})
-      add(bits + " %." + std::to_string(decimals) + "f",
-          ours ? static_cast<long>(numFormatFixed(text, sizeof text, value, decimals))
-               : std::snprintf(text, sizeof text, "%.*f", decimals, value));
-    for (int digits : {6, 1})
-      add(bits + " %." + std::to_string(digits) + "g",
-          ours ? static_cast<long>(numFormatGeneral(text, sizeof text, value, digits))
-               : std::snprintf(text, sizeof text, "%.*g", digits, value));
+    for (auto [format, digits] : {Format{"%.*f", 6}, {"%.*f", 1}, {"%.*f", 0}, {"%.*f", -1},
+                                  {"%.*g", 6}, {"%.*g", 1}}) {
+      auto* ourFormat = format[3] == 'f' ? numFormatFixed : numFormatGeneral;
+      add(std::to_string(bitsOf(value)) + " " + format + std::to_string(digits),
+          ours ? static_cast<long>(ourFormat(text, sizeof text, value, digits))
+               : std::snprintf(text, sizeof text, format, digits, value));
+    }
   }
   for (std::int32_t value : in.ints)
     add(std::to_string(value), ours ? static_cast<long>(numFormatInt(text, sizeof text, value))

@@ -1,5 +1,4 @@
-// A plug-in for the tests: counts its entry points in the tests' "PRB" record and registers
-// "TST", owned by its module, as long as it is loaded.
+// Counts its entry points in the tests' "PRB" record; registers "TST" while it is loaded.
 #include <tessarine/plugin.h>
 
 #include "probe.h"
