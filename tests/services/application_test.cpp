@@ -82,10 +82,9 @@ TEST(Application, PumpsMessagesSwitchesStateOnlyOnAChangeAndCutsItsText) {
   gMainWindowHandle = nullptr;
   // The text is cut to its buffer; the directory is the one of bring-up.
   EXPECT_EQ(app.HasText(), 0);
-  std::string longText(2000, 'x');
-  app.SetText(longText.c_str());
+  app.SetText(std::string(2000, 'x').c_str());
   EXPECT_EQ(app.HasText(), 1);
-  EXPECT_EQ(std::string(app.text), longText.substr(0, Application::kTextSize - 1));
+  EXPECT_EQ(std::string(app.text), std::string(Application::kTextSize - 1, 'x'));
   char here[260];
   fmgGetCurrentDirectory(here, 260);
   EXPECT_STREQ(app.GetWorkingDirectory(), here);
