@@ -24,19 +24,13 @@ class CatalogWriterTest : public KernelTest {
     writeWholeFile(dir_.file(name), bytes);
     return systemPath(dir_.file(name));
   }
-  // Adds each file as `name` holding `bytes`; kOk or the first refusal.
-  S AddAll(CatalogWriter& writer, std::initializer_list<std::pair<const char*, std::string>> all) {
-    for (const auto& [name, bytes] : all)
-      if (S status = writer.Add(Source(name, bytes).c_str()); status != S::kOk) return status;
-    return S::kOk;
-  }
-  std::string Catalog() const { return systemPath(dir_.file("out.cat")); }
   // What the directory holds, so that a temporary file left behind shows.
   std::ptrdiff_t Entries() const {
     return std::distance(std::filesystem::directory_iterator(dir_.path()), {});
   }
 
   TempDir dir_;
+  const std::string catalog_ = systemPath(dir_.file("out.cat"));
 };
 
 }  // namespace
@@ -54,10 +48,8 @@ TEST_F(CatalogWriterTest, WritesTheDocumentedLayout) {
 TEST_F(CatalogWriterTest, RefusesWhatTheReaderCouldNotTakeAndAddsNothingThen) {
   const std::string kept = Source("kept.dat", "kept"), folder = systemPath(dir_.file("f.dat"));
   std::filesystem::create_directory(dir_.file("f.dat"));
-  const struct {
-    std::string path, name;  // stored name; empty: the path's base name
-    S status;
-  } rows[] = {
+  // The name to store, or empty for the path's base name.
+  const struct { std::string path, name; S status; } rows[] = {
       {kept, std::string(254, 'n') + ".DAT", S::kOk},  // 258 bytes, 259 with the NUL
       {kept, std::string(255, 'n') + ".DAT", S::kNameTooLong},
       {kept, "X." + std::string(255, 'e'), S::kOk},
@@ -72,7 +64,7 @@ TEST_F(CatalogWriterTest, RefusesWhatTheReaderCouldNotTakeAndAddsNothingThen) {
               row.status) << row.name << " " << row.path;
     EXPECT_EQ(std::string(writer.failedName), row.status == S::kOk ? "" : row.path) << row.name;
   }
-  ASSERT_EQ(writer.Write(Catalog().c_str()), S::kOk);
+  ASSERT_EQ(writer.Write(catalog_.c_str()), S::kOk);
   EXPECT_EQ(readWholeFile(dir_.file("out.cat")).substr(16, 8), le32(3) + le32(2))
       << "only the accepted files are stored";
   // Past the 32-bit offsets: 50 bytes besides the data (header 28, entry 8 + 6, extension 4 + 4),
@@ -93,12 +85,8 @@ TEST_F(CatalogWriterTest, AFailedWriteLeavesTheOldCatalogAndNoTemporaryFile) {
   writeWholeFile(dir_.file("out.cat"), "an old catalog");
   std::filesystem::create_directory(dir_.file("taken.cat"));
   const std::string big(1500000, 's');
-  const struct {
-    std::string change;  // s.dat's bytes between Add and Write
-    const char* catalog;
-    rlim_t sizeLimit;  // for files the process writes; 0: none
-    S status;
-  } rows[] = {
+  // s.dat's bytes between Add and Write, and a size limit for the files written (0: none).
+  const struct { std::string change; const char* catalog; rlim_t sizeLimit; S status; } rows[] = {
       {big + "grown", "out.cat", 0, S::kChanged},
       {"short", "out.cat", 0, S::kChanged},
       {big, "taken.cat", 0, S::kWriteFailed},  // the rename onto a folder fails
@@ -107,7 +95,7 @@ TEST_F(CatalogWriterTest, AFailedWriteLeavesTheOldCatalogAndNoTemporaryFile) {
   std::signal(SIGXFSZ, SIG_IGN);  // a write past the limit fails instead of ending the process
   for (const auto& row : rows) {
     CatalogWriter writer;
-    ASSERT_EQ(AddAll(writer, {{"x.dat", "x"}, {"s.dat", big}}), S::kOk);
+    ASSERT_EQ(writer.Add(Source("s.dat", big).c_str()), S::kOk);
     writeWholeFile(dir_.file("s.dat"), row.change);
     const std::string catalog = systemPath(dir_.file(row.catalog));
     rlimit saved;
@@ -120,20 +108,21 @@ TEST_F(CatalogWriterTest, AFailedWriteLeavesTheOldCatalogAndNoTemporaryFile) {
               row.status == S::kWriteFailed ? catalog : systemPath(dir_.file("s.dat")));
     EXPECT_EQ(readWholeFile(dir_.file("out.cat")), "an old catalog");
     std::filesystem::remove(dir_.file("s.dat"));
-    EXPECT_EQ(Entries(), 3) << "no temporary file is left";
+    EXPECT_EQ(Entries(), 2) << "no temporary file is left";
   }
 }
 
 TEST_F(CatalogWriterTest, ExhaustedMemoryAtEachAllocationWritesNothingAndLeaksNothing) {
-  Source("b.ini", "bb");
+  const std::string sources[] = {Source("a.dat", "aaa"), Source("b.ini", "bb")};
   for (int n = 1;; n++) {
     std::int64_t before = LiveBlocks();
-    S status;
+    S status = S::kOk;
     {
       CatalogWriter writer;
       hostHeapFailNth(n);
-      status = AddAll(writer, {{"a.dat", "aaa"}, {"b.ini", "bb"}});
-      if (status == S::kOk) status = writer.Write(Catalog().c_str());
+      for (const std::string& source : sources)
+        if (status == S::kOk) status = writer.Add(source.c_str());
+      if (status == S::kOk) status = writer.Write(catalog_.c_str());
       hostHeapFailNth(0);
     }
     EXPECT_EQ(LiveBlocks(), before) << n;
