@@ -33,7 +33,8 @@ class ClockTest : public KernelTest {
 };
 
 // Tick reads until a frame period has passed (at least once); the counter's wrap loses 1 ms.
-TEST_F(ClockTest, TickWaitsForTheFramePeriodAndStoresTheRates) {
+// Delay counts from the last tick, not from its call.
+TEST_F(ClockTest, TickWaitsForTheFramePeriodDelayCountsFromTheTickAndResetStartsAgain) {
   timer.now = 0xFFFFFFFEu;
   clock.Init();  // period 1, started at ...FE and ticked once at ...FF: elapsed 1
   const struct { std::uint32_t period, now, step, elapsed, interval; float seconds, rate; } rows[] = {
@@ -53,15 +54,11 @@ TEST_F(ClockTest, TickWaitsForTheFramePeriodAndStoresTheRates) {
     EXPECT_EQ(clock.GetIntervalSeconds(), row.seconds) << row.now;
     EXPECT_EQ(clock.GetFrameRate(), row.rate) << row.now;
   }
-}
-
-TEST_F(ClockTest, DelayCountsFromTheLastTickAndResetStartsAgain) {
-  timer.now = 1000;  // the kernel's own clock has read the counter too
-  clock.Init();  // started at 1000, ticked at 1001
+  timer.step = 1;  // the last tick read elapsed 22, at the counter's 21
   for (std::uint32_t wait : {0u, 5u, 30u}) {  // 20 ms after the tick: at once, or the rest
-    timer.now = 1000 + 1 + 20;
+    timer.now = 21 + 20;
     clock.Delay(wait);
-    EXPECT_EQ(timer.now - 1, 1000u + 1 + std::max(wait, 20u)) << wait;  // the last reading
+    EXPECT_EQ(timer.now - 1, 21 + std::max(wait, 20u)) << wait;  // the last reading
   }
   clock.SetPeriod(5);
   timer.now = 50000;
