@@ -51,8 +51,7 @@ class RecordingWindow final : public HostWindowCalls {
   int displayCount = 0;
 };
 
-// Inactive, the pump waits; active, it takes what is queued; a handler's switch steps the
-// cursor's display count from wherever it stands to the wanted side.
+// A handler's switch steps the cursor's display count from wherever it stands to the wanted side.
 TEST(Application, PumpsMessagesSwitchesStateOnlyOnAChangeAndCutsItsText) {
   Application app;
   RecordingWindow window(&app);
@@ -81,7 +80,7 @@ TEST(Application, PumpsMessagesSwitchesStateOnlyOnAChangeAndCutsItsText) {
   gMainWindowHandle = nullptr;
   // The text is cut to its buffer; the directory is the one of bring-up.
   EXPECT_EQ(app.HasText(), 0);
-  app.SetText(std::string(2000, 'x').c_str());  // cut to its buffer
+  app.SetText(std::string(2000, 'x').c_str());
   EXPECT_EQ(app.HasText(), 1);
   char here[260];
   fmgGetCurrentDirectory(here, 260);

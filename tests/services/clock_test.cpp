@@ -32,8 +32,7 @@ class ClockTest : public KernelTest {
   Clock clock;
 };
 
-// Tick reads until a frame period has passed (at least once); the counter's wrap loses 1 ms.
-// Delay counts from the last tick, not from its call.
+// The counter's wrap loses 1 ms; Delay counts from the last tick, not from its call.
 TEST_F(ClockTest, TickWaitsForTheFramePeriodDelayCountsFromTheTickAndResetStartsAgain) {
   timer.now = 0xFFFFFFFEu;
   clock.Init();  // period 1, started at ...FE and ticked once at ...FF: elapsed 1
@@ -67,22 +66,20 @@ TEST_F(ClockTest, TickWaitsForTheFramePeriodDelayCountsFromTheTickAndResetStarts
 }
 
 TEST_F(ClockTest, BringUpRefusesAMissingOrCoarseTimer) {
-  const struct { int capsResult; std::uint32_t periodMin; const char* trace; std::uint32_t period;
-                 const char* calls; } rows[] = {
-      {1, 1, "MSG|Unable to get TimeCaps!", 0, "end 0,"},
-      {0, 18, "MSG|Not enough timer resolution (18,1000000)!", 0, "end 0,"},
-      {0, 17, "MSG|Clock with period 17 initialized (17,1000000).", 17, "begin 17,end 17,"},
+  const struct { std::uint32_t fails, periodMin, period; const char *trace, *calls; } rows[] = {
+      {1, 1, 0, "MSG|Unable to get TimeCaps!", "end 0,"},
+      {0, 18, 0, "MSG|Not enough timer resolution (18,1000000)!", "end 0,"},
+      {0, 17, 17, "MSG|Clock with period 17 initialized (17,1000000).", "begin 17,end 17,"},
   };
   for (const auto& row : rows) {
     TraceCapture traces;
-    Clock fresh;
     timer.calls.clear();
-    timer.capsResult = row.capsResult;
+    timer.capsResult = static_cast<int>(row.fails);
     timer.caps.periodMin = row.periodMin;
-    fresh.Init();
-    fresh.Stop();
+    clock.Init();  // a failed bring-up leaves the frame period as it was: 0
+    clock.Stop();
     EXPECT_TRUE(traces.Has(row.trace)) << row.trace;
-    EXPECT_EQ(fresh.framePeriod, row.period);
+    EXPECT_EQ(clock.framePeriod, row.period);
     EXPECT_EQ(timer.calls, row.calls) << row.trace;
   }
 }
