@@ -118,6 +118,7 @@ TEST_F(FileManagerTest, HandlesCountFromOnePerCatalogAndReadsAndSeeksKeepToTheir
 
 TEST_F(FileManagerTest, TracesTheDocumentedMessages) {
   writeWholeFile(dir_.file("disk.dat"), "disk");
+  fs::create_directory(dir_.file("folder.dat"));
   PackedCatalog().Add("Q.DAT", "q").WriteTo(dir_.file("q.cat"));
   OpenCatalog("p.cat", PackedCatalog().Add("P.DAT", "packed"));
   const std::string cwd = systemPath(fs::current_path()), p = At("p.cat"), upper = At("P.CAT"),
@@ -127,7 +128,7 @@ TEST_F(FileManagerTest, TracesTheDocumentedMessages) {
   const std::string openedQ = "Catalog file " + q + " opened successfully.";
   // In order, each row starting where the one before left off; failNth 0: no allocation fails.
   struct Row { int failNth; std::function<int()> act; int result; std::string trace; } rows[] = {
-      {0, [] { return gFMG->CreateFile("gone\\x.dat"); }, -1, "Unable to create file gone\\x.dat!"},
+      {0, [] { return gFMG->CreateFile("folder.dat"); }, -1, "Unable to create file folder.dat!"},
       {0, open(upper), 1, "Catalog file " + upper + " already opened..."},
       {0, close(p), 0, "Catalog file " + p + " still in use..."},
       // The open file goes with its catalog; closed first, it leaves the catalog free.
