@@ -61,7 +61,8 @@ TEST(DialogUnitsTest, ConvertsTemplateUnitsFromTheFontsBases) {
 
 TEST(QtWindowCallsTest, MovesShowsAndFocusesTheWindowAndHidesTheCursor) {
   QWidget window;
-  window.show();
+  QLineEdit field(&window);
+  window.show();  // the frame is known once shown
   ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
   HostWindowCalls* calls = hostWindowCalls();
   calls->SetWindowPosTopmost(&window, 40, 30, 200, 100);
@@ -74,8 +75,6 @@ TEST(QtWindowCallsTest, MovesShowsAndFocusesTheWindowAndHidesTheCursor) {
   calls->ShowWindow(&window, kHostShowMaximized);
   calls->UpdateWindow(&window);
   EXPECT_TRUE(window.isMaximized());
-  QLineEdit field(&window);
-  field.show();
   calls->SetActiveWindow(&window);
   calls->SetFocus(&field);
   EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
@@ -84,8 +83,8 @@ TEST(QtWindowCallsTest, MovesShowsAndFocusesTheWindowAndHidesTheCursor) {
   for (HostHandle cursor : {arrow, static_cast<HostHandle>(nullptr)}) {  // hidden either way
     calls->SetCursor(cursor);
     EXPECT_EQ(calls->ShowCursor(cursor ? 0 : 1), cursor ? -1 : 0);
-    ASSERT_NE(QApplication::overrideCursor(), nullptr);
-    EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::BlankCursor);
+    QCursor* shown = QApplication::overrideCursor();
+    EXPECT_EQ(shown ? shown->shape() : Qt::ArrowCursor, Qt::BlankCursor);
   }
   calls->SetCursor(arrow);
   EXPECT_EQ(QApplication::overrideCursor(), nullptr);
