@@ -16,8 +16,7 @@
 
 inline int pendingModalActs = 0;  // whenModal calls still waiting for their window
 
-// Runs `act` on the next visible modal window above the one active now, polling from the event
-// loop (so while a modal run blocks the test); fails the test when none opens within 5 s.
+// Runs `act` on the next modal window above the active one; polls, as a modal run blocks the test.
 template <typename T = QWidget>
 void whenModal(std::function<void(T*)> act) {
   ++pendingModalActs;
@@ -48,8 +47,7 @@ inline void waitForNoModal() {
   }
 }
 
-// The main window, opened on a fresh kernel in a temporary start-up directory, shown but not
-// modal so that the test drives it; closed and checked for leaks afterwards.
+// The main window shown but not modal, so that the test drives it, on a fresh kernel.
 class MainWindowTest : public KernelTest {
  protected:
   void SetUp() override {
@@ -70,12 +68,10 @@ class MainWindowTest : public KernelTest {
     window_->show();
     Activate();
   }
-  // Makes the main window the active one again, as it is after a modal window closes.
   void Activate() {
     window_->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window_));
   }
-  // A click on the button of that name (the template's text without spaces).
   void Press(const char* name) { click(Button(name)); }
   QWidget* Button(const char* name) {
     return window_->findChild<QAbstractButton*>(QString::fromLatin1(name));

@@ -1,6 +1,4 @@
-// The exhausted-memory sweep: the whole road of a session (start-up, a load through an include
-// and a catalog, every gun command, every document command, the saves, shutdown) run again and
-// again with the Nth allocation failing, N from 1 until a run meets no failure.
+// A whole session run with the Nth allocation failing, N from 1 until a run meets no failure.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -25,8 +23,7 @@ std::string gunSection(int number, const std::string& name) {
          "\nCaliber=7.62\nROF=600\nMuzzleVel=800\nAmmoWt=0.02\nAddLight=TRUE\nFireColor=1,0.5,0.25\n\n";
 }
 
-// One session with the nth allocation failing; false when no allocation was the nth. `rows`
-// gets the rows the Open left.
+// False when no allocation was the nth; `rows` gets the rows the Open left.
 bool runSession(const std::string& root, std::int64_t nth, int* rows) {
   fs::remove_all(root);
   fs::create_directories(root);
@@ -40,8 +37,7 @@ bool runSession(const std::string& root, std::int64_t nth, int* rows) {
   CoreStartup();
   std::int64_t blocks = hostHeapLiveBlocks(gMEM->heap);
   if (gFMG) gFMG->OpenCatalog(catalog.c_str());
-  // Enough answers for any flow a failure leaves: the forms, No to every question, a file for
-  // each chooser.
+  // Enough answers for any flow a failure leaves.
   FakeWindow window;
   window.AcceptForm("Gun 1"), window.AcceptForm("Gun 2");
   window.answers.assign(3, ShellWindow::kNo);

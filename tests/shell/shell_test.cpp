@@ -21,7 +21,6 @@ std::string Settings(const std::string& directory, int x, int y) {
          std::to_string(x) + "\nPositionY=" + std::to_string(y) + "\n\n";
 }
 
-// A run of the main window in a fresh start-up directory, on a clean "Untitled" document.
 class ShellTest : public KernelTest {
  protected:
   void SetUp() override {
@@ -59,10 +58,7 @@ class ShellTest : public KernelTest {
   FakeWindow window_;
 };
 
-// New, Open and Close on a dirty document (Alpha saved as a.ini or unnamed, then Beta added),
-// for each answer to the question. Yes saves, through the chooser when the document has no file
-// (it takes `save`; "" cancels). `after` is State() unless New went on and reset the document;
-// a clean document there has Beta in its file. Open's chooser proposes the document's name.
+// Each answer on a dirty document, filed or not; `save` answers the save chooser ("" cancels).
 TEST_F(ShellTest, CommandsAfterTheQuestion) {
   const struct {
     int answer;
@@ -106,8 +102,6 @@ TEST_F(ShellTest, CommandsAfterTheQuestion) {
   }
 }
 
-// A save under the known path moves nothing and sets no caption; Open sets the caption before
-// the load and repaints after it; a failed save still files the document under the new name.
 TEST_F(ShellTest, DirectoryFollowsEveryChosenFile) {
   AddGun("Alpha");
   const std::string nowhere = systemPath(root_ + "/gone/x.ini");
@@ -141,8 +135,6 @@ TEST_F(ShellTest, DirectoryFollowsEveryChosenFile) {
                      "Message ERROR!|Unable to create " + nowhere + " for writing!"}));
 }
 
-// The question's title is cut to fit 260 bytes, never inside a character. Only a gun command
-// that changed something (gave 1) marks the document, and none cleans it.
 TEST_F(ShellTest, QuestionIsBoundedAndGunCommandsMarkTheDocument) {
   const std::string a(240, 'a'), e = "\xC3\xA9";
   const std::pair<std::string, std::string> cases[] = {
@@ -164,9 +156,6 @@ TEST_F(ShellTest, QuestionIsBoundedAndGunCommandsMarkTheDocument) {
   }
 }
 
-// The closing write keeps the file's other keys, also with a stale or empty directory; a run
-// that opens a file elsewhere stores that directory in the start-up one; the next run writes
-// there before it moves, and puts the window at the stored place in the template's size.
 TEST_F(ShellTest, SettingsAcrossRuns) {
   const std::string file = root_ + "/Tessarine.ini";
   for (const std::string& stale : {root_ + "/gone", std::string()}) {
