@@ -1,10 +1,8 @@
 // Both windows driven with real clicks and keys.
-#include <QCheckBox>
 #include <QFileDialog>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QMessageBox>
-#include <map>
 
 #include "gui_support.h"
 #include "gun/gun_file.h"
@@ -16,16 +14,18 @@ namespace {
 
 using Strings = std::vector<std::string>;
 
+void retype(QLineEdit* field, const char* text) {
+  field->selectAll();
+  QTest::keyClicks(field, text);
+}
+void clickOK(QWidget* form) { click(form->findChild<QWidget*>("OK")); }
+
 class MainWindow : public MainWindowTest {
  protected:
-  // Runs New Gun and types the fields into the form before OK.
-  void EnterGun(const std::map<std::string, std::string>& fields) {
+  void EnterGun(const std::vector<std::pair<const char*, const char*>>& fields) {
     whenModal<EditGunForm>([fields](EditGunForm* form) {
-      for (const auto& [name, text] : fields) {
-        form->Field(name.c_str())->selectAll();
-        QTest::keyClicks(form->Field(name.c_str()), QString::fromStdString(text));
-      }
-      click(form->findChild<QWidget*>("OK"));
+      for (auto [name, text] : fields) retype(form->Field(name), text);
+      clickOK(form);
     });
     Press("NewGun");
     waitForNoModal();
@@ -39,97 +39,53 @@ class MainWindow : public MainWindowTest {
     }
     return rows;
   }
-  // A point in the list's viewport on `row` (past the last row: below it) in `column`.
-  QPoint At(int row, int column) {
+  // Past the last row, below it.
+  void ClickAt(int row, int column, bool twice = false) {
     GunListControl* list = window_->List();
     QRect rect = list->visualItemRect(list->topLevelItem(std::min(row, list->RowCount() - 1)));
-    int y = row < list->RowCount() ? rect.center().y() : rect.bottom() + 20;
-    return QPoint(list->header()->sectionViewportPosition(column) + 10, y);
+    QPoint at(list->header()->sectionViewportPosition(column) + 10,
+              row < list->RowCount() ? rect.center().y() : rect.bottom() + 20);
+    twice ? QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, at)
+          : QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, at);
   }
 };
 
-// Expects a refusal box naming `label`, and closes it.
-void expectRefusal(const QString& label) {
-  whenModal<QMessageBox>([label](QMessageBox* box) {
-    EXPECT_TRUE(box->text().startsWith(label + ":")) << box->text().toStdString();
-    box->accept();
-  });
-}
-
-TEST_F(MainWindow, RunsTheGunCommandsAndSelectsByClicksAnywhereInARow) {
+TEST_F(MainWindow, RunsTheGunCommandsSelectsByClicksAnywhereInARowAndSaves) {
   EnterGun({{"TypeName", "Alpha"}, {"Caliber", "12.7"}, {"ROF", "750.4"}, {"MuzzleVel", "900"}});
   EnterGun({{"TypeName", "Bravo"}, {"Caliber", "20"}});
   Press("CopyGun");
   Press("MoveUp");
   EXPECT_EQ(Rows(), (Strings{"Alpha|12.7|750|900", "Copy of Bravo|20.0|0|0", "Bravo|20.0|0|0"}));
   EXPECT_EQ(window_->FirstSelectedRow(), 1);
-  EXPECT_EQ(SaveChangesPrompt.dirty, 1);
   Press("MoveDown");
   Activate();
-  GunListControl* list = window_->List();
   for (int column = 0; column < GunListControl::kCells; ++column) {
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, At(column % 2, column));
+    ClickAt(column % 2, column);
     EXPECT_EQ(window_->FirstSelectedRow(), column % 2) << column;
   }
   Button("Save")->setFocus();
-  QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, At(3, 2));  // below the last row
+  ClickAt(3, 2);  // below the last row
   EXPECT_EQ(window_->FirstSelectedRow(), 2);
-  EXPECT_TRUE(list->hasFocus());
+  EXPECT_TRUE(window_->List()->hasFocus());
   whenModal<EditGunForm>([](EditGunForm* form) {
     EXPECT_EQ(form->Field("ROF")->text(), "750.4");
-    form->Field("ROF")->selectAll();
-    QTest::keyClicks(form->Field("ROF"), "600");
-    click(form->findChild<QWidget*>("OK"));
+    retype(form->Field("ROF"), "600");
+    clickOK(form);
   });
-  QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, At(0, 3));  // edits that row
+  ClickAt(0, 3, true);  // a double click edits that row
   waitForNoModal();
-  EXPECT_EQ(window_->focusWidget(), list);
+  EXPECT_EQ(window_->focusWidget(), window_->List());
   Activate();
-  list->clearSelection();
-  Button("Save")->setFocus();  // the list loses the focus and keeps a row selected
+  window_->List()->clearSelection();
+  Button("Save")->setFocus();  // the list loses the focus and gets its row back
   EXPECT_EQ(window_->FirstSelectedRow(), 2);
   Press("DeleteGun");
   EXPECT_EQ(Rows(), (Strings{"Alpha|12.7|600|900", "Bravo|20.0|0|0"}));
   EXPECT_EQ(window_->FirstSelectedRow(), 1);
-}
-
-TEST_F(MainWindow, EnterDoesNothingAndEscAsksOnADirtyDocumentWhereCancelKeepsIt) {
-  EnterGun({{"TypeName", "Alpha"}});
-  SaveChangesPrompt.dirty = 0;
-  window_->List()->setFocus();
-  QTest::keyClick(window_->List(), Qt::Key_Return);
-  QTest::qWait(50);
-  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
-  whenModal<EditGunForm>([](EditGunForm* form) {
-    QTest::keyClick(form->Field("TypeName"), Qt::Key_Return);
-    QTest::keyClick(form->Field("Caliber"), Qt::Key_Enter);
-    EXPECT_TRUE(form->isVisible());
-    QTest::keyClick(form, Qt::Key_Escape);
-  });
-  Press("EditGun");
-  EXPECT_EQ(SaveChangesPrompt.dirty, 0);
-  SaveChangesPrompt.dirty = 1;
-  for (bool escape : {true, false}) {  // Esc, then the close box
-    whenModal<QMessageBox>([](QMessageBox* box) {
-      EXPECT_EQ(box->text(), "Save changes to Untitled?");
-      EXPECT_EQ(box->windowTitle(), "Tessarine");
-      QTest::keyClick(box, Qt::Key_Escape);
-    });
-    if (escape) QTest::keyClick(window_, Qt::Key_Escape);
-    if (!escape) window_->close();
-    waitForNoModal();
-    EXPECT_TRUE(window_->isVisible()) << escape;
-  }
-  whenModal<QMessageBox>([](QMessageBox* box) { QTest::keyClick(box, Qt::Key_N); });
-  QTest::keyClick(window_, Qt::Key_Escape);
-  EXPECT_FALSE(window_->isVisible());
-  EXPECT_EQ(window_->RowCount(), 0) << "the closing window gives its guns back";
-}
-
-TEST_F(MainWindow, CaptionIsExactlyTheTitleAndTheChooserKeepsItsFilter) {
   whenModal<QFileDialog>([](QFileDialog* chooser) {
     chooser->selectNameFilter("All Files (*)");
-    chooser->selectFile("a[*]");  // the toolkit's own mark for a modified window
+    // Typed rather than selected: selectFile leaves a focused name field alone.
+    chooser->findChild<QLineEdit*>("fileNameEdit")->setText("a[*]");  // the toolkit's modified mark
     QMetaObject::invokeMethod(chooser, "accept");
   });
   Press("Save");
@@ -142,24 +98,37 @@ TEST_F(MainWindow, CaptionIsExactlyTheTitleAndTheChooserKeepsItsFilter) {
   Press("SaveAs");
 }
 
-TEST_F(MainWindow, FormRefusesAmmoWtBeforeCaliberAndFocusesIt) {
+TEST_F(MainWindow, EnterDoesNothingAndEscAsksOnADirtyDocumentWhereCancelKeepsIt) {
+  EnterGun({{"TypeName", "Alpha"}});
+  window_->List()->setFocus();
+  QTest::keyClick(window_->List(), Qt::Key_Return);
+  QTest::qWait(50);
+  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+  SaveChangesPrompt.dirty = 0;
   whenModal<EditGunForm>([](EditGunForm* form) {
-    EXPECT_EQ(form->Field("AmmoWt")->text(), "0");
-    EXPECT_FALSE(form->findChild<QCheckBox*>("AddLight")->isChecked());
-    EXPECT_EQ(form->focusWidget(), form->Field("TypeName"));
-    QTest::keyClicks(form->Field("Caliber"), "abc");
-    QTest::keyClicks(form->Field("AmmoWt"), "12x");
-    expectRefusal("Ammo Wt (g)");
-    click(form->findChild<QWidget*>("OK"));
+    QTest::keyClick(form->Field("TypeName"), Qt::Key_Return);
+    QTest::keyClick(form->Field("Caliber"), Qt::Key_Enter);
     EXPECT_TRUE(form->isVisible());
-    EXPECT_EQ(form->focusWidget(), form->Field("AmmoWt"));
     QTest::keyClick(form, Qt::Key_Escape);
   });
-  Press("NewGun");
-  EXPECT_EQ(window_->RowCount(), 0);
+  Press("EditGun");
+  EXPECT_EQ(SaveChangesPrompt.dirty, 0) << "Esc cancels the form";
+  SaveChangesPrompt.dirty = 1;
+  for (bool escape : {true, false}) {  // Esc, then the close box
+    whenModal<QMessageBox>([](QMessageBox* box) {
+      EXPECT_EQ(box->text(), "Save changes to Untitled?");
+      QTest::keyClick(box, Qt::Key_Escape);
+    });
+    escape ? QTest::keyClick(window_, Qt::Key_Escape) : void(window_->close());
+    waitForNoModal();
+    EXPECT_TRUE(window_->isVisible()) << escape;
+  }
+  whenModal<QMessageBox>([](QMessageBox* box) { QTest::keyClick(box, Qt::Key_N); });
+  QTest::keyClick(window_, Qt::Key_Escape);
+  EXPECT_FALSE(window_->isVisible());
 }
 
-TEST_F(MainWindow, FormOpensALongNameFromAFileWholeAndRefusesOKUntilItIsShortened) {
+TEST_F(MainWindow, FormRefusesFieldsInExchangeOrderAndOpensLongTextsWhole) {
   const std::string type(40, 'T'), full(100, 'F');
   writeWholeFile(root_.file("long.ini"),
                  "[GunData001]\nTypeName=" + type + "\nFullName=" + full + "\nAmmoWt=0.1\n");
@@ -169,22 +138,30 @@ TEST_F(MainWindow, FormOpensALongNameFromAFileWholeAndRefusesOKUntilItIsShortene
     for (int i = 0; i < count; ++i) QTest::keyClick(field, Qt::Key_Backspace);
   };
   whenModal<EditGunForm>([&](EditGunForm* form) {
+    EXPECT_EQ(form->focusWidget(), form->Field("TypeName"));
     EXPECT_EQ(form->Field("TypeName")->text().toStdString(), type);
     EXPECT_EQ(form->Field("AmmoWt")->text(), "100");
     form->Field("TypeName")->end(false);
     QTest::keyClicks(form->Field("TypeName"), "xy");
     EXPECT_EQ(form->Field("TypeName")->text().size(), 40) << "typing stops past the limit";
-    expectRefusal("Full Name");
-    click(form->findChild<QWidget*>("OK"));
-    shorten(form->Field("FullName"), 37);
-    expectRefusal("Type Name");
-    click(form->findChild<QWidget*>("OK"));
-    EXPECT_EQ(form->focusWidget(), form->Field("TypeName"));
-    shorten(form->Field("TypeName"), 9);
-    click(form->findChild<QWidget*>("OK"));
+    retype(form->Field("Caliber"), "12y");
+    retype(form->Field("AmmoWt"), "12x");
+    const struct { const char *label, *field; int cut; } refusals[] = {
+        {"Ammo Wt (g)", "AmmoWt", 1}, {"Caliber (mm)", "Caliber", 1},
+        {"Full Name", "FullName", 37}, {"Type Name", "TypeName", 9}};
+    for (auto [label, field, cut] : refusals) {
+      whenModal<QMessageBox>([label](QMessageBox* box) {
+        EXPECT_TRUE(box->text().startsWith(QString(label) + ":")) << box->text().toStdString();
+        box->accept();
+      });
+      clickOK(form);
+      EXPECT_EQ(form->focusWidget(), form->Field(field)) << label;
+      shorten(form->Field(field), cut);
+    }
+    clickOK(form);
   });
   Press("EditGun");
-  EXPECT_EQ(Rows(), Strings{std::string(31, 'T') + "|0.0|0|0"});
+  EXPECT_EQ(Rows(), Strings{std::string(31, 'T') + "|12.0|0|0"});
 }
 
 }  // namespace

@@ -21,7 +21,6 @@ std::string Settings(const std::string& directory, int x, int y) {
          std::to_string(x) + "\nPositionY=" + std::to_string(y) + "\n\n";
 }
 
-// A run of the main window in a fresh start-up directory, on a clean "Untitled" document.
 class ShellTest : public KernelTest {
  protected:
   void SetUp() override {
@@ -38,7 +37,7 @@ class ShellTest : public KernelTest {
     fs::create_directories(fs::path(root_ + "/" + relative).parent_path());
     return systemPath(root_ + "/" + relative);
   }
-  void AddGun(const std::string& name) {  // through New Gun
+  void AddGun(const std::string& name) {
     window_.AcceptForm(name);
     RunGunCommand(&window_, OnNewGun);
   }
@@ -59,12 +58,9 @@ class ShellTest : public KernelTest {
   FakeWindow window_;
 };
 
-// New, Open and Close on a dirty document (Alpha saved as a.ini or unnamed, then Beta added),
-// for each answer to the question. Yes saves, through the chooser when the document has no file
-// (it takes `save`; "" cancels). `after` is State() unless New went on and reset the document;
-// a clean document there has Beta in its file. Open's chooser proposes the document's name.
+// Each answer on a dirty document, filed or not; `save` answers the save chooser ("" cancels).
 TEST_F(ShellTest, CommandsAfterTheQuestion) {
-  struct Case {
+  const struct {
     int answer;
     bool filed;
     const char *save, *after;
@@ -74,7 +70,7 @@ TEST_F(ShellTest, CommandsAfterTheQuestion) {
       {kCancel, false, nullptr, "0 1 Untitled"}, {1, true, nullptr, "1 1 a.ini"},  // or any other
   };
   for (const std::string command : {"new", "open", "close"}) {
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
       SCOPED_TRACE(command + ", case " + std::to_string(&c - cases));
       fs::remove(root_ + "/c.ini");
       ResetDocument(&window_);
@@ -106,8 +102,6 @@ TEST_F(ShellTest, CommandsAfterTheQuestion) {
   }
 }
 
-// A save under the known path moves nothing and sets no caption; Open sets the caption before
-// the load and repaints after it; a failed save still files the document under the new name.
 TEST_F(ShellTest, DirectoryFollowsEveryChosenFile) {
   AddGun("Alpha");
   const std::string nowhere = systemPath(root_ + "/gone/x.ini");
@@ -141,8 +135,6 @@ TEST_F(ShellTest, DirectoryFollowsEveryChosenFile) {
                      "Message ERROR!|Unable to create " + nowhere + " for writing!"}));
 }
 
-// The question's title is cut to fit 260 bytes, never inside a character. Only a gun command
-// that changed something (gave 1) marks the document, and none cleans it.
 TEST_F(ShellTest, QuestionIsBoundedAndGunCommandsMarkTheDocument) {
   const std::string a(240, 'a'), e = "\xC3\xA9";
   const std::pair<std::string, std::string> cases[] = {
@@ -164,18 +156,10 @@ TEST_F(ShellTest, QuestionIsBoundedAndGunCommandsMarkTheDocument) {
   }
 }
 
-// Written as the window opens and again as it closes, in the start-up directory wherever
-// browsing moved the process; a run that opens a file elsewhere stores that directory.
 TEST_F(ShellTest, SettingsAcrossRuns) {
   const std::string file = root_ + "/Tessarine.ini";
-  EXPECT_EQ(readWholeFile(file), Settings(root_, 0, 0));
-  ASSERT_TRUE(fs::remove(file));
-  fs::current_path(fs::temp_directory_path());
-  ShellWindowClosing(&window_);
-  EXPECT_EQ(readWholeFile(file), Settings(root_, 0, 0));
-
   for (const std::string& stale : {root_ + "/gone", std::string()}) {
-    const std::string kept = Settings(stale, 5, 6) + "[Other]\nKey=1\n\n";  // other keys stay
+    const std::string kept = Settings(stale, 5, 6) + "[Other]\nKey=1\n\n";
     writeWholeFile(file, kept);
     ShellWindowOpened(&window_);
     EXPECT_EQ(TargetDirectory + (" " + fs::current_path().string()),
@@ -183,7 +167,6 @@ TEST_F(ShellTest, SettingsAcrossRuns) {
     ShellWindowClosing(&window_);
     EXPECT_EQ(readWholeFile(file), kept) << stale;
   }
-
   ShellWindowOpened(&window_);
   window_.choices = {Chosen("guns/a.ini")};
   OnOpen(&window_);
@@ -191,11 +174,11 @@ TEST_F(ShellTest, SettingsAcrossRuns) {
   ShellWindowClosing(&window_);
   EXPECT_EQ(readWholeFile(file),
             Settings(root_ + "/guns", INT32_MAX, INT32_MIN) + "[Other]\nKey=1\n\n");
-  window_.placement = {44, 0, 1, 0, 0, 640, 480};  // where and how big the template puts it
+  window_.placement = {44, 0, 1, 0, 0, 640, 480};
   ShellWindowOpened(&window_);  // left for the fixture to close
   EXPECT_EQ(State(), "0 0 Untitled @ guns guns");
-  EXPECT_FALSE(fs::exists(root_ + "/guns/Tessarine.ini")) << "written before the move";
-  const WindowPlacement& at = window_.placement;  // at the stored place, in the template's size
+  EXPECT_FALSE(fs::exists(root_ + "/guns/Tessarine.ini")) << "written after the move";
+  const WindowPlacement& at = window_.placement;
   EXPECT_EQ((std::vector<std::int32_t>{at.left, at.top, at.right, at.bottom, at.showCmd, at.flags}),
             (std::vector<std::int32_t>{INT32_MAX, INT32_MIN, INT32_MIN + 639, INT32_MIN + 480, 1, 0}));
 }

@@ -25,8 +25,7 @@ inline std::string catalogField(std::int32_t length, const std::string& bytes) {
   return le32(length) + bytes;
 }
 
-// A catalog with names as given, odd ones included (lower case, no extension), files in the
-// order added behind the two tables, each extension once.
+// Names as given, odd ones included; files in the order added, each extension once.
 class RawCatalog {
  public:
   RawCatalog& Add(const std::string& name, const std::string& bytes) {

@@ -2,9 +2,7 @@
 #pragma once
 #include <string>
 
-// Makes de_DE.UTF-8 (compiled once with localedef if the system lacks it) the locale of LC_ALL,
-// with "," as its decimal point. Returns true when it is active; false, with "C" back and *why
-// saying what went wrong, when it can't be had. A test needing it must fail on false, not skip.
+// Makes de_DE.UTF-8 (compiled with localedef if missing) LC_ALL; false, with "C" back and *why
+// set, when it can't be had: a test needing it must then fail, not skip.
 bool useCommaLocale(std::string* why = nullptr);
-// Puts every category (LC_ALL) back in the "C" locale.
 void useClassicLocale();

@@ -14,8 +14,7 @@
 #include "gun/gun_list.h"
 #include "shell/window_seam.h"
 
-// The type names of GunList in list order, and the names a view's rows show ("?" unreadable):
-// the two must stay in step.
+// The type names of GunList in list order, and those a view's rows show ("?" unreadable).
 inline std::vector<std::string> ListedNames() {
   std::vector<std::string> names;
   for (GunList.MoveFirst(); GunList.current; GunList.MoveNext()) {
@@ -32,9 +31,8 @@ inline std::vector<std::string> RowNames(GunListView* view) {
   return names;
 }
 
-// A single-selection list control of four cells a row; the modal parts answer from queues the
-// test fills, an unscripted one failing the test and cancelling. `calls` records, for instance,
-// "InsertRow 0 Alpha", "Message CAP|TEXT", "Ask CAP|TEXT", "Open PROPOSED", "Save ini PROPOSED".
+// Modal parts answer from queues the test fills; an unscripted one fails the test and cancels.
+// `calls` records "InsertRow 0 Alpha", "Message CAP|TEXT", "Ask CAP|TEXT", "Open PROPOSED"...
 class FakeWindow : public ShellWindow {
  public:
   using Form = std::function<int(EditGunDialog*)>;
@@ -62,7 +60,6 @@ class FakeWindow : public ShellWindow {
     for (const auto& cells : rows) names.push_back(cells[0]);
     return names;
   }
-  // The recorded calls that begin with one of the prefixes, in order.
   std::vector<std::string> Calls(const std::vector<std::string>& prefixes) const {
     std::vector<std::string> out;
     std::copy_if(calls.begin(), calls.end(), std::back_inserter(out), [&](const auto& call) {
@@ -130,7 +127,6 @@ class FakeWindow : public ShellWindow {
   static void Copy(const std::string& text, char* buffer) {
     buffer[text.copy(buffer, kCellSize - 1)] = '\0';
   }
-  // Takes the next scripted answer, or fails the test and gives `none`.
   template <typename T>
   static T Next(std::vector<T>* queue, const std::string& what, T none) {
     if (queue->empty()) ADD_FAILURE() << what << " with no scripted answer";

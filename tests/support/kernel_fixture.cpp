@@ -1,7 +1,6 @@
 // Test support: a kernel brought up around each test, a temporary directory, a trace capture.
 #include "kernel_fixture.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -53,10 +52,6 @@ std::vector<std::string> TraceCapture::Lines() const {
   std::vector<std::string> lines;
   for (std::string line; std::getline(in, line);) lines.push_back(line);
   return lines;
-}
-
-bool TraceCapture::Has(const std::string& line) const {
-  return std::ranges::count(Lines(), line) > 0;
 }
 
 std::string systemPath(std::string path) {

@@ -13,7 +13,6 @@ struct ProgramOutcome {
   std::string out, err;
 };
 
-// One run and what it must give.
 struct ProgramCase {
   std::string arguments;
   int status;
@@ -23,8 +22,7 @@ struct ProgramCase {
 class ProgramTest : public ::testing::Test {
  protected:
   explicit ProgramTest(const char* binary) : binary_(binary) {}
-  // Runs with `arguments` (already quoted for the shell) in `directory` (the work directory if
-  // empty), after `shell` in the same shell (a ulimit, say).
+  // `arguments` quoted for the shell; `shell` runs first in the same shell (a ulimit, say).
   ProgramOutcome Run(const std::string& arguments, const std::string& directory = "",
                      const std::string& shell = "") {
     std::string command = "cd '" + (directory.empty() ? work.path() : directory) + "' && " +
@@ -34,7 +32,6 @@ class ProgramTest : public ::testing::Test {
     return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, readWholeFile(scratch.file("out")),
             readWholeFile(scratch.file("err"))};
   }
-  // Runs every case in the work directory, in order, and checks its status and message.
   template <std::size_t N>
   void ExpectRuns(const ProgramCase (&cases)[N]) {
     for (const ProgramCase& c : cases) {
