@@ -142,18 +142,16 @@ TEST_F(FileManagerTest, TracesTheDocumentedMessages) {
        "Error PushDirectory - unable to allocate memory for " + cwd},
   };
   for (const Row& row : rows) {
-    std::int64_t before = LiveBlocks();
-    {
-      TraceCapture traces;
-      hostHeapFailNth(row.failNth);
-      EXPECT_EQ(row.act(), row.result) << row.trace;
-      hostHeapFailNth(0);
-      std::string lines;
-      for (const std::string& line : traces.Lines())
-        lines += (lines.empty() ? "" : "\n") + line.substr(4);  // without "MSG|"
-      EXPECT_EQ(lines, row.trace);
-    }
+    TraceCapture traces;
+    const std::int64_t before = LiveBlocks();
+    hostHeapFailNth(row.failNth);
+    EXPECT_EQ(row.act(), row.result) << row.trace;
+    hostHeapFailNth(0);
     EXPECT_EQ(LiveBlocks(), before) << row.trace;
+    std::string lines;
+    for (const std::string& line : traces.Lines())
+      lines += (lines.empty() ? "" : "\n") + line.substr(4);  // without "MSG|"
+    EXPECT_EQ(lines, row.trace);
   }
   EXPECT_EQ(readWholeFile(dir_.file("disk.dat")), "disk") << "a failed create changes nothing";
   EXPECT_EQ(static_cast<CatalogFile*>(gFMG->catalogs.head->payload)->OpenFileCount, 0);
