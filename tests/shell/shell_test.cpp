@@ -60,11 +60,7 @@ class ShellTest : public KernelTest {
 
 // Each answer on a dirty document, filed or not; `save` answers the save chooser ("" cancels).
 TEST_F(ShellTest, CommandsAfterTheQuestion) {
-  const struct {
-    int answer;
-    bool filed;
-    const char *save, *after;
-  } cases[] = {
+  const struct { int answer; bool filed; const char *save, *after; } cases[] = {
       {kYes, true, nullptr, "1 0 a.ini"}, {kYes, false, "c.ini", "1 0 c.ini"},
       {kYes, false, "", "0 1 Untitled"},  {kNo, true, nullptr, "1 1 a.ini"},
       {kCancel, false, nullptr, "0 1 Untitled"}, {1, true, nullptr, "1 1 a.ini"},  // or any other
@@ -176,8 +172,8 @@ TEST_F(ShellTest, SettingsAcrossRuns) {
   EXPECT_EQ(State(), "0 0 Untitled @ guns guns");
   EXPECT_FALSE(fs::exists(root_ + "/guns/Tessarine.ini")) << "written after the move";
   const WindowPlacement& at = window_.placement;
-  EXPECT_EQ((std::vector<std::int32_t>{at.left, at.top, at.right, at.bottom, at.showCmd, at.flags}),
-            (std::vector<std::int32_t>{INT32_MAX, INT32_MIN, INT32_MIN + 639, INT32_MIN + 480, 1, 0}));
+  EXPECT_EQ((std::vector<int>{at.left, at.top, at.right, at.bottom, at.showCmd, at.flags}),
+            (std::vector<int>{INT32_MAX, INT32_MIN, INT32_MIN + 639, INT32_MIN + 480, 1, 0}));
 }
 
 }  // namespace
