@@ -76,13 +76,14 @@ TEST_F(GunTest, MovesAndDeletesKeepRowsAndListInStepAndSelectAsDocumented) {
     window.selected = -1;
     EXPECT_EQ(command(&window), 0) << "nothing runs without a selected row";
   }
+  window.rows[1][1] = "hand-made";  // a move carries the cell text, it doesn't format anew
   const struct { int (*run)(GunListView*); int row, result; Names after; int selected, cell = -1; }
       steps[] = {
       {OnMoveUp, 1, 1, {"B", "A", "C", "D"}, 0},   {OnMoveUp, 0, 0, {"B", "A", "C", "D"}, 0},
       {OnMoveDown, 0, 1, {"A", "B", "C", "D"}, 1}, {OnMoveDown, 2, 1, {"A", "B", "D", "C"}, 3},
       {OnMoveDown, 3, 0, {"A", "B", "D", "C"}, 3},
       {OnMoveUp, 1, 0, {"A", "B", "D", "C"}, 1, 0},  // an unreadable name: nothing moves
-      {OnMoveDown, 1, 1, {"A", "D", "B", "C"}, 2, 3},  // cells move as read: one unreadable, empty
+      {OnMoveDown, 1, 1, {"A", "D", "B", "C"}, 2, 3},  // another unreadable cell moves empty
       {OnDeleteGun, 1, 1, {"A", "B", "C"}, 1},  // the following row takes the selection
       {OnDeleteGun, 2, 1, {"A", "B"}, 1},       // or the new last one
       {OnDeleteGun, 0, 1, {"B"}, 0},            {OnDeleteGun, 0, 1, {}, -1},
@@ -95,6 +96,7 @@ TEST_F(GunTest, MovesAndDeletesKeepRowsAndListInStepAndSelectAsDocumented) {
     EXPECT_EQ(ListNames(), step.after);
     EXPECT_EQ(window.selected, step.selected);
     EXPECT_TRUE(step.cell <= 0 || window.rows[step.selected][step.cell] == "");
+    for (const auto& cells : window.rows) EXPECT_TRUE(cells[0] != "B" || cells[1] == "hand-made");
   }
 }
 
