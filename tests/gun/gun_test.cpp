@@ -77,12 +77,8 @@ TEST_F(GunTest, MovesAndDeletesKeepRowsAndListInStepAndSelectAsDocumented) {
     EXPECT_EQ(command(&window), 0) << "nothing runs without a selected row";
   }
   window.rows[1][1] = "hand-made";  // a move carries the cell text, it doesn't format anew
-  struct Step {
-    int (*command)(GunListView*);
-    int row, result;
-    Names after;
-    int selected, unreadableCell = -1;
-  } steps[] = {
+  const struct { int (*run)(GunListView*); int row, result; Names after; int selected, cell = -1; }
+      steps[] = {
       {OnMoveUp, 1, 1, {"B", "A", "C", "D"}, 0},   {OnMoveUp, 0, 0, {"B", "A", "C", "D"}, 0},
       {OnMoveDown, 0, 1, {"A", "B", "C", "D"}, 1}, {OnMoveDown, 2, 1, {"A", "B", "D", "C"}, 3},
       {OnMoveDown, 3, 0, {"A", "B", "D", "C"}, 3},
@@ -92,16 +88,14 @@ TEST_F(GunTest, MovesAndDeletesKeepRowsAndListInStepAndSelectAsDocumented) {
       {OnDeleteGun, 2, 1, {"A", "B"}, 1},       // or the new last one
       {OnDeleteGun, 0, 1, {"B"}, 0},            {OnDeleteGun, 0, 1, {}, -1},
   };
-  for (const Step& step : steps) {
+  for (const auto& step : steps) {
     SCOPED_TRACE("step " + std::to_string(&step - steps));
     window.SelectRow(step.row);
-    window.unreadableCell = step.unreadableCell;
-    EXPECT_EQ(step.command(&window), step.result);
+    window.unreadableCell = step.cell;
+    EXPECT_EQ(step.run(&window), step.result);
     EXPECT_EQ(ListNames(), step.after);
     EXPECT_EQ(window.selected, step.selected);
-    if (step.unreadableCell > 0) {
-      EXPECT_EQ(window.rows[step.selected][step.unreadableCell], "");
-    }
+    EXPECT_TRUE(step.cell <= 0 || window.rows[step.selected][step.cell] == "");
     for (const auto& cells : window.rows) EXPECT_TRUE(cells[0] != "B" || cells[1] == "hand-made");
   }
 }
@@ -149,10 +143,6 @@ TEST_F(GunTest, FormToFilesAndBackKeepsEveryField) {
     return GunListView::kCancelled;
   });
   EXPECT_EQ(OnEditGun(&window), 0);
-  for (int i = 2; i < 1500; i++) ASSERT_EQ(OnCopyGun(&window), 1);
-  ASSERT_EQ(GunFileSave(&window, Path("b.ini").c_str()), 1);  // past one arena of text
-  EXPECT_EQ(Read("b.dat").size(), 4u + 560 * 1500) << "the binary file stays complete";
-  EXPECT_EQ(Read("b.ini").find("[GunData1500]"), std::string::npos) << "keys left out";
   GunListEmpty(&window);
   ASSERT_EQ(GunFileSave(&window, Path("b.ini").c_str()), 1);
   EXPECT_EQ(Read("b.dat") + Read("b.ini"), "\0\0\0\0"s);
