@@ -40,12 +40,12 @@ class FileManagerTest : public KernelTest {
     writer.WriteTo(dir_.file(name));
     ASSERT_EQ(gFMG->OpenCatalog(At(name).c_str()), 1) << name;
   }
-  static std::string ReadName(const char* name) {
+  static std::string ReadName(const char* name, std::uint32_t chunk = 7) {
     std::int32_t handle = gFMG->OpenFile(name);
     if (handle == -1) return "<not found>";
     std::string bytes;
     char buffer[64];
-    for (std::int32_t got; (got = gFMG->ReadFile(handle, buffer, 7)) > 0;)
+    for (std::int32_t got; (got = gFMG->ReadFile(handle, buffer, chunk)) > 0;)
       bytes.append(buffer, got);
     gFMG->CloseFile(handle);
     return bytes;
@@ -55,6 +55,8 @@ class FileManagerTest : public KernelTest {
   std::string dirText_ = systemPath(dir_.path());
   const int descriptors_ = openDescriptors();
 };
+
+class FileManagerThreads : public FileManagerTest {};
 
 }  // namespace
 
@@ -157,10 +159,20 @@ TEST_F(FileManagerTest, TracesTheDocumentedMessages) {
   EXPECT_EQ(static_cast<CatalogFile*>(gFMG->catalogs.head->payload)->OpenFileCount, 0);
 }
 
-TEST_F(FileManagerTest, OpeningWaitsForAnotherThreadsLock) {
-  OpenCatalog("t.cat", PackedCatalog().Add("T.BIN", "t"));
+TEST_F(FileManagerThreads, TwoReadersOfOneCatalogGetTheirOwnBytesAndOpenWaitsForTheLock) {
+  std::string left(6000, 'a'), right;
+  for (std::size_t i = 0; i < left.size(); i++) left[i] += (i * 7 + i / 251) % 26;
+  for (char c : left.substr(1000)) right += c - 32;  // upper case: no byte in both entries
+  OpenCatalog("t.cat", PackedCatalog().Add("LEFT.BIN", left).Add("RIGHT.BIN", right));
+  // Odd chunk sizes, so that the two readers interleave at every position of their entries.
+  std::string gotLeft, gotRight;
+  std::thread first([&] { for (int i = 0; i < 3; i++) gotLeft += ReadName("left.bin", 37); });
+  std::thread second([&] { for (int i = 0; i < 3; i++) gotRight += ReadName("right.bin", 29); });
+  first.join(), second.join();
+  EXPECT_EQ(gotLeft, left + left + left);
+  EXPECT_EQ(gotRight, right + right + right);
   gFMG->lock.Acquire();
-  std::thread opening([] { ReadName("t.bin"); });
+  std::thread opening([] { ReadName("left.bin"); });
   std::this_thread::sleep_for(std::chrono::milliseconds(100));
   EXPECT_EQ(gFMG->openFiles.count, 0) << "opened under another thread's lock";
   gFMG->lock.Release();
