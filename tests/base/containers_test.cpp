@@ -10,14 +10,12 @@
 #include "kernel_fixture.h"
 #include "platform/host_heap.h"
 
-namespace {
-
-int a, b, c, d;  // payloads
+static int a, b, c, d;  // payloads
 using Payloads = std::vector<void*>;
 using Where = std::pair<const void*, int>;  // the cursor's payload and index
 
 // The payloads from head to tail, checking both links and both ends on the way.
-Payloads payloads(const CursorList& list) {
+static Payloads payloads(const CursorList& list) {
   Payloads out;
   const CursorNode* last = nullptr;
   for (const CursorNode* node = list.head; node; last = node, node = node->next) {
@@ -29,16 +27,9 @@ Payloads payloads(const CursorList& list) {
   return out;
 }
 
-class ContainersTest : public KernelTest {
- protected:
-  Where where() const { return {list.current ? list.current->payload : nullptr, list.index}; }
+TEST_F(KernelTest, CursorMovesStopPastTheTailAndInsertsAndRemovalsKeepItInStep) {
   CursorList list;
-  GrowArray array;
-};
-
-}  // namespace
-
-TEST_F(ContainersTest, CursorMovesStopPastTheTailAndInsertsAndRemovalsKeepItInStep) {
+  auto where = [&] { return Where(list.current ? list.current->payload : nullptr, list.index); };
   list.MoveFirst();
   EXPECT_EQ(where(), Where(nullptr, -1));
   // Into an empty list, ahead of the head, ahead of the tail, and past the tail: ahead of the head.
@@ -73,7 +64,8 @@ TEST_F(ContainersTest, CursorMovesStopPastTheTailAndInsertsAndRemovalsKeepItInSt
 
 // Made with 1 to 65534 zeroed slots, or from 8 slots doubling up to 32768, refusing the 32769th
 // item; a fixed one never grows, and one made at 30000 doubles once. No memory keeps the items.
-TEST_F(ContainersTest, ArrayGrowsByDoublingWithinItsLimits) {
+TEST_F(KernelTest, ArrayGrowsByDoublingWithinItsLimits) {
+  GrowArray array;
   for (int refused : {65535, 0, -1}) EXPECT_EQ(array.Create(refused), 0) << refused;
   EXPECT_EQ(array.data, nullptr);
   ASSERT_EQ(array.Create(65534), 1);
@@ -89,8 +81,7 @@ TEST_F(ContainersTest, ArrayGrowsByDoublingWithinItsLimits) {
   EXPECT_EQ(std::count(array.data, array.data + 32768, &a), 32768);
   EXPECT_EQ(std::make_pair(array.capacity, array.current), std::make_pair(32768, 32767));
   EXPECT_EQ(array.Append(&a), 0);
-  array.MoveNext();
-  array.MoveNext();  // the cursor stops at count
+  for (int i = 0; i < 2; i++) array.MoveNext();  // the cursor stops at count
   EXPECT_EQ(array.current, 32768);
   ASSERT_EQ(array.Create(30000), 1);
   array.MoveFirst();
@@ -100,5 +91,4 @@ TEST_F(ContainersTest, ArrayGrowsByDoublingWithinItsLimits) {
   array.fixed = 1;
   ASSERT_EQ(array.Create(2), 1);
   for (int result : {1, 1, 0}) EXPECT_EQ(array.Append(&a), result);
-  array.Clear();
 }

@@ -13,15 +13,14 @@
 #include "packed_catalog.h"
 #include "platform/host_heap.h"
 
-namespace {
-
 using S = CatalogWriteStatus;
 const std::string kNul(1, '\0');
 
 class CatalogWriterTest : public KernelTest {
  protected:
-  std::string Source(const std::string& name, const std::string& bytes) {
+  std::string Source(const std::string& name, const std::string& bytes, std::uintmax_t sparse = 0) {
     writeWholeFile(dir_.file(name), bytes);
+    if (sparse) std::filesystem::resize_file(dir_.file(name), sparse);
     return systemPath(dir_.file(name));
   }
   std::ptrdiff_t Entries() const {
@@ -31,8 +30,6 @@ class CatalogWriterTest : public KernelTest {
   TempDir dir_;
   const std::string catalog_ = systemPath(dir_.file("out.cat"));
 };
-
-}  // namespace
 
 // Extensions once each, in order of first use; an empty file takes no data bytes.
 TEST_F(CatalogWriterTest, WritesTheDocumentedLayout) {
@@ -63,18 +60,12 @@ TEST_F(CatalogWriterTest, RefusesWhatTheReaderCouldNotTakeAndAddsNothingThen) {
     EXPECT_EQ(std::string(writer.failedName), row.status == S::kOk ? "" : row.path) << row.name;
   }
   ASSERT_EQ(writer.Write(catalog_.c_str()), S::kOk);
-  EXPECT_EQ(readWholeFile(dir_.file("out.cat")).substr(16, 8), le32(3) + le32(2))
-      << "only the accepted files are stored";
-  // Offsets are 32 bits, and one such file takes 50 bytes besides its data; sparse files are free.
-  auto sparse = [&](const char* name, std::uintmax_t size) {
-    std::string path = Source(name, "");
-    std::filesystem::resize_file(dir_.file(name), size);
-    return path;
-  };
+  EXPECT_EQ(readWholeFile(dir_.file("out.cat")).substr(16, 8), le32(3) + le32(2));  // the accepted
+  // Offsets are 32 bits, and one such file takes 50 bytes besides its data.
   CatalogWriter full, tooLarge;
-  EXPECT_EQ(full.Add(sparse("a.big", 0xFFFFFFFFu - 50).c_str()), S::kOk);
-  EXPECT_EQ(full.Add(sparse("c.big", 0x80000000u).c_str()), S::kTooLarge);
-  EXPECT_EQ(tooLarge.Add(sparse("b.big", 0xFFFFFFFFu - 49).c_str()), S::kTooLarge);
+  EXPECT_EQ(full.Add(Source("a.big", "", 0xFFFFFFFFu - 50).c_str()), S::kOk);
+  EXPECT_EQ(full.Add(Source("c.big", "", 0x80000000u).c_str()), S::kTooLarge);
+  EXPECT_EQ(tooLarge.Add(Source("b.big", "", 0xFFFFFFFFu - 49).c_str()), S::kTooLarge);
 }
 
 // s.dat holds more than the write buffer, so that writes fail in the middle of the data too.

@@ -7,9 +7,7 @@
 #include "base/path_util.h"
 #include "services/application.h"
 
-namespace {
-
-int mainWindow, arrowCursor;
+static int mainWindow, arrowCursor;
 
 // Records every call; GetMessage answers -1 on an empty queue.
 class RecordingWindow final : public HostWindowCalls {
@@ -33,7 +31,7 @@ class RecordingWindow final : public HostWindowCalls {
   void ShowWindow(HostHandle, int command) override { Log("show " + std::to_string(command)); }
   void UpdateWindow(HostHandle) override { Log("update"); }
   HostHandle GetCursor() override { return &arrowCursor; }
-  void SetCursor(HostHandle cursor) override { Log(cursor == &arrowCursor ? "arrow" : "no cursor"); }
+  void SetCursor(HostHandle cursor) override { Log(cursor == &arrowCursor ? "arrow" : "other"); }
   int ShowCursor(int show) override {
     Log("count " + std::to_string(displayCount += show ? 1 : -1));
     return displayCount;
@@ -64,7 +62,7 @@ TEST(Application, PumpsMessagesSwitchesStateOnlyOnAChangeAndCutsItsText) {
       {0, 0, {18, 6}, 0, "get,dispatch 18,"},
       {0, 0, {7}, 1, "get,dispatch 7,get,"},  // an error ends the wait
       {1, 0, {99}, 1, "peek,dispatch 99,peek,"},
-      {0, 2, {99}, 1, "get,dispatch 99,focus,activate,show 3,update,no cursor,count 1,count 0,"
+      {0, 2, {99}, 1, "get,dispatch 99,focus,activate,show 3,update,other,count 1,count 0,"
                       "count -1,peek,"},
       {1, -3, {98, 98}, 1,
        "peek,dispatch 98,show 6,arrow,count -2,count -1,count 0,get,dispatch 98,get,"},
@@ -86,5 +84,3 @@ TEST(Application, PumpsMessagesSwitchesStateOnlyOnAChangeAndCutsItsText) {
   fmgGetCurrentDirectory(here, 260);
   EXPECT_STREQ(app.GetWorkingDirectory(), here);
 }
-
-}  // namespace

@@ -1,4 +1,4 @@
-// The InterfaceManager registry: names, counts, owners, traces and no-memory paths.
+// The InterfaceManager registry (names, counts, owners, traces, no memory) and the Options.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -6,13 +6,13 @@
 
 #include "base/memory_manager.h"
 #include "base/string_util.h"
+#include "config/ini_file.h"
 #include "kernel_fixture.h"
 #include "platform/host_heap.h"
 #include "services/interface_manager.h"
+#include "services/options.h"
 
-namespace {
-
-int serviceA, serviceB;
+static int serviceA, serviceB;
 
 // Counts may fall below zero; Shutdown drops every entry and names those still referenced.
 TEST_F(KernelTest, InterfaceManagerCountsReferencesPerNameAndInitForgetsItsNodes) {
@@ -61,4 +61,23 @@ TEST_F(KernelTest, InterfaceManagerCountsReferencesPerNameAndInitForgetsItsNodes
   memFree(kept);
 }
 
-}  // namespace
+TEST_F(KernelTest, OptionsHoldOneFileAtATime) {
+  TempDir dir;
+  Options options;
+  options.Init();
+  auto* file = reinterpret_cast<IniFile*>(&options);
+  EXPECT_EQ(options.GetOptions(&file), 0);
+  EXPECT_EQ(file, reinterpret_cast<IniFile*>(&options)) << "untouched";
+  writeWholeFile(dir.file("a.ini"), "[Video]\nWidth=800\n");
+  options.OpenOptions(systemPath(dir.file("a.ini")).c_str());
+  ASSERT_EQ(options.GetOptions(&file), 1);
+  EXPECT_EQ(file->IniGetInt("Video", "Width", 0), 800);
+  EXPECT_EQ(file->IniGetInt("Video", "Height", 600), 600);  // added: the file is changed
+  options.OpenOptions(systemPath(dir.file("missing.ini")).c_str());  // replaces, unwritten
+  ASSERT_EQ(options.GetOptions(&file), 1);
+  EXPECT_EQ(file->sections.count, 0);
+  EXPECT_EQ(readWholeFile(dir.file("a.ini")), "[Video]\nWidth=800\n");
+  hostHeapFailNth(1);  // no memory for the object: nothing stays open
+  options.OpenOptions(systemPath(dir.file("a.ini")).c_str());
+  EXPECT_EQ(options.GetOptions(&file), 0);
+}

@@ -1,14 +1,16 @@
-// The Clock on a scripted millisecond counter.
+// The Clock on a scripted millisecond counter, and the random table's cycle and ranges.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
 
 #include "kernel_fixture.h"
 #include "platform/host_timer.h"
 #include "services/clock.h"
-
-namespace {
+#include "services/random_table.h"
 
 // A counter that moves on by `step` at every reading, and records the period calls.
 class ScriptedTimer final : public HostTimer {
@@ -48,10 +50,9 @@ TEST_F(ClockTest, TickWaitsForTheFramePeriodDelayCountsFromTheTickAndResetStarts
     timer.now = row.now;
     timer.step = row.step;
     clock.Tick();
-    EXPECT_EQ(clock.GetElapsed(), row.elapsed) << row.now;
-    EXPECT_EQ(clock.GetInterval(), row.interval) << row.now;
-    EXPECT_EQ(clock.GetIntervalSeconds(), row.seconds) << row.now;
-    EXPECT_EQ(clock.GetFrameRate(), row.rate) << row.now;
+    const auto read = std::tuple(clock.GetElapsed(), clock.GetInterval(),
+                                 clock.GetIntervalSeconds(), clock.GetFrameRate());
+    EXPECT_EQ(read, std::tuple(row.elapsed, row.interval, row.seconds, row.rate)) << row.now;
   }
   timer.step = 1;  // the last tick read elapsed 22, at the counter's 21
   for (std::uint32_t wait : {0u, 5u, 30u}) {  // 20 ms after the tick: at once, or the rest
@@ -84,4 +85,26 @@ TEST_F(ClockTest, BringUpRefusesAMissingOrCoarseTimer) {
   }
 }
 
-}  // namespace
+// The generator gives 0 to 32767; the table scales it below 1, so no range reaches its bound.
+TEST(RandomTable, DrawsCycleThroughTheTableFromItsSeedAndStayBelowTheirBounds) {
+  RandomTable table;
+  table.Init();
+  EXPECT_EQ(table.GetSeed(), 1u);
+  std::vector<float> first;
+  for (int i = 0; i < RandomTable::kSize; i++) first.push_back(table.NextFloat(1.0f));
+  EXPECT_EQ(table.NextFloat(1.0f), first[0]);  // the 4097th draw
+  EXPECT_GT(std::ranges::count_if(first, [&](float v) { return v != first[0]; }), 4000);
+  table.SetSeed(1);  // the same seed gives the same sequence, whatever was drawn between
+  EXPECT_EQ(table.NextFloat(1.0f), first[0]);
+  table.drawIndex = 0xFFFFFFFFu;  // the index wraps on a multiple of the table's size
+  EXPECT_EQ(table.NextFloat(1.0f), first[RandomTable::kSize - 1]);
+  EXPECT_EQ(table.NextFloat(1.0f), first[0]);
+  EXPECT_TRUE(std::ranges::all_of(table.values, [](float v) { return v >= 0 && v < 1; }));
+  table.values[7] = 32767.0f / 32768.0f;  // the largest value the generator can give
+  for (auto [range, largest] : {std::pair{1, 0}, {0, 0}, {-100, -99}, {32768, 32767}}) {
+    table.drawIndex = 7;
+    EXPECT_EQ(table.NextInt(range), largest) << range;
+  }
+  table.drawIndex = 7;
+  EXPECT_EQ(table.NextShort(), 32766);
+}
