@@ -15,12 +15,10 @@ class RecordingWindow final : public HostWindowCalls {
   explicit RecordingWindow(Application* client) : app(client) { hostInstallWindowCalls(this); }
   ~RecordingWindow() { hostInstallWindowCalls(nullptr); }
   int PeekMessage(HostHandle window, HostMessage* message) override {
-    Log(window == &mainWindow ? "peek" : "peek elsewhere");
-    return Take(message);
+    return Take(window == &mainWindow ? "peek" : "peek elsewhere", message);
   }
   int GetMessage(HostHandle, HostMessage* message) override {
-    Log("get");
-    return !Take(message) ? -1 : message->id != kHostQuitMessage;
+    return !Take("get", message) ? -1 : message->id != kHostQuitMessage;
   }
   void DispatchMessage(const HostMessage* message) override {
     Log("dispatch " + std::to_string(message->id));
@@ -37,9 +35,11 @@ class RecordingWindow final : public HostWindowCalls {
     return displayCount;
   }
   void Log(const std::string& call) { calls += call + ","; }
-  int Take(HostMessage* message) {
+  int Take(const std::string& call, HostMessage* message) {
+    Log(call);
     if (queue.empty()) return 0;
-    message->id = queue.front(), queue.pop_front();
+    message->id = queue.front();
+    queue.pop_front();
     return 1;
   }
 

@@ -17,9 +17,12 @@ class ScriptedTimer final : public HostTimer {
  public:
   ScriptedTimer() { hostInstallTimer(this); }
   ~ScriptedTimer() { hostInstallTimer(nullptr); }
-  int GetDevCaps(HostTimerCaps* out) override { return *out = caps, capsResult; }
-  void BeginPeriod(std::uint32_t period) override { calls += "begin " + std::to_string(period) + ","; }
-  void EndPeriod(std::uint32_t period) override { calls += "end " + std::to_string(period) + ","; }
+  int GetDevCaps(HostTimerCaps* out) override {
+    *out = caps;
+    return capsResult;
+  }
+  void BeginPeriod(std::uint32_t ms) override { calls += "begin " + std::to_string(ms) + ","; }
+  void EndPeriod(std::uint32_t ms) override { calls += "end " + std::to_string(ms) + ","; }
   std::uint32_t Now() override { return (now += step) - step; }
 
   HostTimerCaps caps{1, 1000000};
@@ -38,7 +41,7 @@ class ClockTest : public KernelTest {
 TEST_F(ClockTest, TickWaitsForTheFramePeriodDelayCountsFromTheTickAndResetStartsAgain) {
   timer.now = 0xFFFFFFFEu;
   clock.Init();  // period 1, started at ...FE and ticked once at ...FF: elapsed 1
-  const struct { std::uint32_t period, now, step, elapsed, interval; float seconds, rate; } rows[] = {
+  const struct { std::uint32_t period, now, step, elapsed, interval; float secs, rate; } rows[] = {
       {0, 0xFFFFFFFFu, 0, 1, 0, 0.0f, -1.0f},  // the same millisecond: no rate
       {0, 0, 0, 1, 0, 0.0f, -1.0f},
       {10, 0, 1, 11, 10, 0.01f, 100.0f},
@@ -52,7 +55,7 @@ TEST_F(ClockTest, TickWaitsForTheFramePeriodDelayCountsFromTheTickAndResetStarts
     clock.Tick();
     const auto read = std::tuple(clock.GetElapsed(), clock.GetInterval(),
                                  clock.GetIntervalSeconds(), clock.GetFrameRate());
-    EXPECT_EQ(read, std::tuple(row.elapsed, row.interval, row.seconds, row.rate)) << row.now;
+    EXPECT_EQ(read, std::tuple(row.elapsed, row.interval, row.secs, row.rate)) << row.now;
   }
   timer.step = 1;  // the last tick read elapsed 22, at the counter's 21
   for (std::uint32_t wait : {0u, 5u, 30u}) {  // 20 ms after the tick: at once, or the rest

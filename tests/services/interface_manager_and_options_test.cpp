@@ -16,33 +16,33 @@ static int serviceA, serviceB;
 
 // Counts may fall below zero; Shutdown drops every entry and names those still referenced.
 TEST_F(KernelTest, InterfaceManagerCountsReferencesPerNameAndInitForgetsItsNodes) {
-  InterfaceManager manager;
-  manager.Init();
+  InterfaceManager im;
+  im.Init();
   TraceCapture traces;
   const std::int64_t blocks = LiveBlocks();
   for (int nth = 1; nth <= 3; nth++) {  // no memory for the entry, its name or its node
     hostHeapFailNth(nth);
-    EXPECT_EQ(manager.Register("CLK", &serviceB, 0), 0) << nth;
-    EXPECT_EQ(manager.entries.count + LiveBlocks(), blocks) << nth;
+    EXPECT_EQ(im.Register("CLK", &serviceB, 0), 0) << nth;
+    EXPECT_EQ(im.entries.count + LiveBlocks(), blocks) << nth;
   }
   void *held = nullptr, *other = &serviceB;
   for (const char* name : {"CLK", "AAA", "BBB", "ZERO", "LOW", "clk", ""}) {
-    EXPECT_EQ(manager.Register(name, &serviceA, *name == 'C' ? 5 : 0), 1);
+    EXPECT_EQ(im.Register(name, &serviceA, *name == 'C' ? 5 : 0), 1);
   }
-  EXPECT_EQ(manager.Register(nullptr, &serviceA, 0), 1);
-  EXPECT_EQ(manager.Register("CLK", &serviceB, 9), 0);
-  for (const char* name : {"CLK", "AAA", "AAA", "BBB"}) manager.Get(name, &held);
-  EXPECT_EQ(manager.Get("", &other) + manager.Release("", &other) + manager.Unregister(""), 0);
-  EXPECT_EQ(manager.Unregister("AAA"), 1);  // with two references open
-  EXPECT_EQ(manager.CanFreeOwner(5), 0);
-  EXPECT_EQ(manager.CanFreeOwner(0), 1);  // owner 0 is no library's
-  EXPECT_EQ(manager.Release("CLK", &held), 1);
-  EXPECT_EQ(manager.Release("CLK", &held), 0);  // now null: no count, no trace
-  EXPECT_EQ(manager.CanFreeOwner(5), 1);
-  EXPECT_EQ(manager.Unregister("CLK"), 1);
-  EXPECT_EQ(manager.Get("CLK", &held) + manager.Release("CLK", &other) + manager.Unregister("CLK"), 0);
-  EXPECT_EQ(manager.Release("LOW", &other), 1);  // any variable but null releases
-  manager.Shutdown();
+  EXPECT_EQ(im.Register(nullptr, &serviceA, 0), 1);
+  EXPECT_EQ(im.Register("CLK", &serviceB, 9), 0);
+  for (const char* name : {"CLK", "AAA", "AAA", "BBB"}) im.Get(name, &held);
+  EXPECT_EQ(im.Get("", &other) + im.Release("", &other) + im.Unregister(""), 0);
+  EXPECT_EQ(im.Unregister("AAA"), 1);  // with two references open
+  EXPECT_EQ(im.CanFreeOwner(5), 0);
+  EXPECT_EQ(im.CanFreeOwner(0), 1);  // owner 0 is no library's
+  EXPECT_EQ(im.Release("CLK", &held), 1);
+  EXPECT_EQ(im.Release("CLK", &held), 0);  // now null: no count, no trace
+  EXPECT_EQ(im.CanFreeOwner(5), 1);
+  EXPECT_EQ(im.Unregister("CLK"), 1);
+  EXPECT_EQ(im.Get("CLK", &held) + im.Release("CLK", &other) + im.Unregister("CLK"), 0);
+  EXPECT_EQ(im.Release("LOW", &other), 1);  // any variable but null releases
+  im.Shutdown();
   for (std::string line : {"Unable to register Interface CLK!", "Interface CLK already registered.",
                            "Unable to get Interface CLK!", "Unable to release Interface CLK!",
                            "Register count for Interface AAA is non-zero (2)!",
@@ -50,13 +50,13 @@ TEST_F(KernelTest, InterfaceManagerCountsReferencesPerNameAndInitForgetsItsNodes
     EXPECT_TRUE(traces.Has("MSG|" + line)) << line;
   }
   std::vector<std::string> lines = traces.Lines();
-  std::erase_if(lines, [](const std::string& line) { return line.find(" count of ") == line.npos; });
+  std::erase_if(lines, [](const auto& line) { return line.find(" count of ") == line.npos; });
   EXPECT_EQ(lines, std::vector<std::string>{"MSG|...Interface BBB has reference count of 1."});
   // Brought up again, the registry lets go of its nodes but not of the entries they held.
-  ASSERT_EQ(manager.Register("KEPT", &serviceA, 0), 1);
-  auto* kept = static_cast<InterfaceEntry*>(manager.entries.head->payload);
-  manager.Init();
-  ASSERT_EQ(manager.entries.count, 0);  // else the entry below would be freed twice
+  ASSERT_EQ(im.Register("KEPT", &serviceA, 0), 1);
+  auto* kept = static_cast<InterfaceEntry*>(im.entries.head->payload);
+  im.Init();
+  ASSERT_EQ(im.entries.count, 0);  // else the entry below would be freed twice
   strFree(&kept->name);
   memFree(kept);
 }
@@ -64,7 +64,6 @@ TEST_F(KernelTest, InterfaceManagerCountsReferencesPerNameAndInitForgetsItsNodes
 TEST_F(KernelTest, OptionsHoldOneFileAtATime) {
   TempDir dir;
   Options options;
-  options.Init();
   auto* file = reinterpret_cast<IniFile*>(&options);
   EXPECT_EQ(options.GetOptions(&file), 0);
   EXPECT_EQ(file, reinterpret_cast<IniFile*>(&options)) << "untouched";
