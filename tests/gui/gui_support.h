@@ -2,7 +2,6 @@
 #pragma once
 #include <gtest/gtest.h>
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QDeadlineTimer>
 #include <QPointer>
@@ -17,7 +16,7 @@
 inline int pendingModalActs = 0;  // whenModal calls still waiting for their window
 
 // Runs `act` on the next modal window above the active one; polls, as a modal run blocks the test.
-template <typename T = QWidget>
+template <typename T>
 void whenModal(std::function<void(T*)> act) {
   ++pendingModalActs;
   QPointer<QWidget> before = QApplication::activeModalWidget();
@@ -29,9 +28,8 @@ void whenModal(std::function<void(T*)> act) {
     poll->stop();  // before `act`, whose own modal runs would tick it again
     poll->deleteLater();
     --pendingModalActs;
-    T* typed = waiting ? nullptr : qobject_cast<T*>(modal);
-    if (!typed) ADD_FAILURE() << "no modal " << T::staticMetaObject.className() << " opened";
-    if (typed) act(typed);
+    if (T* typed = waiting ? nullptr : qobject_cast<T*>(modal)) return act(typed);
+    ADD_FAILURE() << "no modal " << T::staticMetaObject.className() << " opened";
   });
   poll->start(10);
 }
@@ -66,16 +64,10 @@ class MainWindowTest : public KernelTest {
     window_ = new GunListDialog;
     window_->OnInitDialog();
     window_->show();
-    Activate();
-  }
-  void Activate() {
     window_->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window_));
   }
-  void Press(const char* name) { click(Button(name)); }
-  QWidget* Button(const char* name) {
-    return window_->findChild<QAbstractButton*>(QString::fromLatin1(name));
-  }
+  void Press(const char* name) { click(window_->findChild<QWidget*>(name)); }
 
   TempDir root_;
   std::filesystem::path cwd_ = std::filesystem::current_path();

@@ -52,7 +52,8 @@ class Monkey : public MainWindowTest {
     switch (Roll(6)) {
       case 0:  // QTest types ASCII only; other text comes in as an input method would put it
         if (Roll(2)) field->selectAll();
-        return text.toLatin1() == text.toUtf8() ? QTest::keyClicks(field, text) : field->insert(text);
+        if (text.toLatin1() == text.toUtf8()) return QTest::keyClicks(field, text);
+        return field->insert(text);
       case 1: return click(form->findChild<QCheckBox*>());
       case 2: return QTest::keyClick(field, Qt::Key_Return);  // never closes the form
       case 3: return QTest::keyClick(form, Qt::Key_Escape);
@@ -64,6 +65,7 @@ class Monkey : public MainWindowTest {
   void Act() {
     GunListControl* list = window_->List();
     QWidget* viewport = list->viewport();
+    QWidget* header = list->header()->viewport();
     QPoint anywhere(Roll(viewport->width()), Roll(viewport->height()));
     int roll = Roll(100);
     if (roll < 1) return Press("Close");
@@ -71,9 +73,7 @@ class Monkey : public MainWindowTest {
     if (roll < 30) return Press(Pick(kButtons));  // the modal runs they open cost the most
     if (roll < 55) return QTest::mouseClick(viewport, Qt::LeftButton, {}, anywhere);
     if (roll < 62) return QTest::mouseDClick(viewport, Qt::LeftButton, {}, anywhere);
-    if (roll < 67) {
-      return QTest::mouseClick(list->header()->viewport(), Qt::LeftButton, {}, {anywhere.x(), 5});
-    }
+    if (roll < 67) return QTest::mouseClick(header, Qt::LeftButton, {}, {anywhere.x(), 5});
     QTest::keyClick(list, Pick(kKeys));
   }
 
